@@ -1,0 +1,3 @@
+// SPDX-License-Identifier: MIT
+// Gives the macOS front's meta-object a home.
+#include "plugin/cortana_macos.h"
