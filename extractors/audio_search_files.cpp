@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// latest_audio_search: one row per recorded voice search, from the file system alone.
+#include "common/plugin_static_function.h"
+#include "extractors/row_values.h"
+#include "extractors/step_run.h"
+#include "plugin/cortana_winos.h"
+#include "source/directory_walk.h"
+#include "source/readable_alias.h"
+#include "source/source_guard.h"
+
+namespace {
+
+constexpr step_texts texts = {
+    "void cortana_winos::extract_audio_search_files()",
+    "[extract_audio_search_files] ----- STARTS ------",
+    "[extract_audio_search_files]Destination Db opening ---FAILED--- ",
+    "[extract_audio_search_files] -----ENDS------",
+    {" --------INSERTION Query ----FAILED------", true, "Error :- ", "Query :- "},
+    "INSERT INTO "
+    "latest_audio_search(bookmark,system_user,domain_user,file_name,file_size,file_path,preview_file_path,export_file_"
+    "paths,windows_path,creation_time,modification_time,last_access_time,source_file, "
+    "os_scheme_display,source_count_name) VALUES(0,?,?,?,?,?,?,?,?,?,?,?,?,?,?)",
+};
+
+struct audio_row {
+    const row_origin& origin; // of the Speech folder
+    QString file_name;
+    QString file_size;
+    QString display_path;
+    QString windows_path;
+    file_times times;
+};
+
+const bindings<audio_row> columns = {
+    {"system_user", [](const audio_row& row) { return QVariant(row.origin.system_user); }},
+    {"domain_user", [](const audio_row& row) { return QVariant(row.origin.domain_user); }},
+    {"file_name", [](const audio_row& row) { return QVariant(row.file_name); }},
+    {"file_size", [](const audio_row& row) { return QVariant(row.file_size); }},
+    {"file_path", [](const audio_row& row) { return QVariant(row.display_path); }},
+    {"preview_file_path", [](const audio_row& row) { return QVariant(row.display_path); }},
+    {"export_file_paths", [](const audio_row& row) { return QVariant(row.display_path); }},
+    {"windows_path", [](const audio_row& row) { return QVariant(row.windows_path); }},
+    {"creation_time", [](const audio_row& row) { return QVariant(row.times.creation); }},
+    {"modification_time", [](const audio_row& row) { return QVariant(row.times.last_modification); }},
+    {"last_access_time", [](const audio_row& row) { return QVariant(row.times.last_access); }},
+    {"source_file", [](const audio_row& row) { return QVariant(row.origin.source_file); }},
+    {"os_scheme_display", [](const audio_row& row) { return QVariant(row.origin.os_scheme_display); }},
+    {"source_count_name", [](const audio_row& row) { return QVariant(row.origin.source_count_name); }},
+};
+
+// path with root's text taken off its front and a "/" there in any case.
+QString display_path(const QString& path, const QString& root) {
+    const QString shown = path_below_root(path, root);
+    return shown.startsWith(QLatin1Char('/')) ? shown : QLatin1Char('/') + shown;
+}
+
+file_times times_of(const walk_entry& entry, const readable_alias& file, const QString& root) {
+    if (!file.is_own_path()) {
+        return plugin_static_function::get_posix_timestamp(file.path().mid(1), QStringLiteral("/"));
+    }
+    return plugin_static_function::get_posix_timestamp(entry.path.mid(root.size()), root);
+}
+
+audio_row row_of(const walk_entry& entry, const row_origin& origin, const QString& root) {
+    const readable_alias file(entry);
+    QString windows_path = entry.path;
+    windows_path.replace(root, QStringLiteral("C:/"));
+    return {origin,
+            entry.path.mid(entry.path.lastIndexOf(QLatin1Char('/')) + 1),
+            plugin_static_function::mining_size(file.path()),
+            display_path(entry.path, root),
+            windows_path,
+            times_of(entry, file, root)};
+}
+
+row_origin origin_of_folder(const QString& folder, const step_context& context) {
+    row_origin origin = origin_of(folder, context);
+    origin.source_file = display_path(origin.source_file, QString());
+    return origin;
+}
+
+// False when cancelled.
+bool list_folder(const QString& folder, step_run& run, source_guard& guard) {
+    const row_origin origin = origin_of_folder(folder, run.context);
+    return walk_directory(folder, [&](const walk_entry& entry) {
+        if (run.cancelled()) {
+            return false;
+        }
+        if (entry.is_regular_file && guard.exists(entry.native_path)) {
+            run.insert(bound_values(columns, row_of(entry, origin, run.context.fs_extraction_source_path)));
+        }
+        return true;
+    });
+}
+
+} // namespace
+
+void cortana_winos::extract_audio_search_files() {
+    run_step(context_for_step(), texts, [this](step_run& run) {
+        source_guard guard(fs_extraction_source_path);
+        for (const QString& folder : qAsConst(speech_dir_list)) {
+            if (!list_folder(folder, run, guard)) {
+                return false;
+            }
+        }
+        return true;
+    });
+}

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+// The values that rows of several tables share.
+#include "extractors/row_values.h"
+
+#include <QDateTime>
+#include <QtTest>
+
+class test_row_values : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void filetime_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<qint64>("seconds");
+        QTest::newRow("empty") << "" << qint64(0);
+        QTest::newRow("blank") << "  " << qint64(0);
+        QTest::newRow("0") << "0" << qint64(0);
+        QTest::newRow("negative") << "-5" << qint64(0);
+        QTest::newRow("no number") << "abc" << qint64(0);
+        QTest::newRow("number and more") << "130000000000000000x" << qint64(0);
+        QTest::newRow("fraction") << "1.5" << qint64(0);
+        QTest::newRow("too large for 64 bits") << "9223372036854775808" << qint64(0);
+        QTest::newRow("1") << "1" << qint64(-11644473600) + 1;
+        QTest::newRow("1970") << "116444736000000000" << qint64(0);
+        QTest::newRow("a tick before 1970") << "116444735999999999" << qint64(0);
+        QTest::newRow("a second after 1970") << "116444736010000000" << qint64(1);
+        QTest::newRow("2012, blanks around") << " 130000000000000000 " << qint64(1355526400);
+        QTest::newRow("largest") << "9223372036854775807" << qint64(910692730085);
+    }
+    void filetime() {
+        QFETCH(QString, text);
+        QFETCH(qint64, seconds);
+        QCOMPARE(filetime_to_unix_seconds(text), seconds);
+    }
+
+    void iso_text_is_local_time() {
+        const QByteArray before = qgetenv("TZ");
+        const QPair<const char*, qint64> zones[] = {
+            {"UTC", 1556704800}, {"Asia/Kolkata", 1556685000}, {"America/New_York", 1556719200}};
+        for (const auto& zone : zones) {
+            qputenv("TZ", zone.first);
+            tzset();
+            QCOMPARE(iso_text_to_unix_seconds(QStringLiteral("2019-05-01T10:00:00Z")), zone.second);
+            QCOMPARE(iso_text_to_unix_seconds(QStringLiteral(" 2019-05-01 10:00:00 ")), zone.second);
+        }
+        qputenv("TZ", before);
+        tzset();
+        for (const char* nothing : {"", "  ", "Z", "TZ"}) {
+            QCOMPARE(iso_text_to_unix_seconds(QLatin1String(nothing)), qint64(0));
+        }
+        QCOMPARE(iso_text_to_unix_seconds(QStringLiteral("132000000000000000")),
+                 QDateTime().toMSecsSinceEpoch() / 1000); // an invalid date-time's own answer
+    }
+
+    void below_root_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("below") << "/r/Users/a"
+                               << "/Users/a";
+        QTest::newRow("below, doubled slash") << "/r//Users"
+                                              << "/Users";
+        QTest::newRow("outside is kept whole") << "x/Users"
+                                               << "x/Users";
+        QTest::newRow("the root") << "/r/"
+                                  << "/";
+        QTest::newRow("other case") << "/R/Users"
+                                    << "/R/Users";
+    }
+    void below_root() {
+        QFETCH(QString, path);
+        QFETCH(QString, shown);
+        QCOMPARE(path_below_root(path, QStringLiteral("/r/")), shown);
+    }
+
+    void map_link() {
+        const QString url = map_url(QStringLiteral("47.6"), QStringLiteral(" -122,3&x"));
+        QCOMPARE(url, QStringLiteral("https://www.google.com/maps?q=47.6, -122,3&x"));
+        QVERIFY(map_url(QString(), QString()).endsWith(QStringLiteral("/maps?q=,")));
+    }
+};
+
+QTEST_GUILESS_MAIN(test_row_values)
+#include "test_row_values.moc"
