@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+// Implementation of the shared test fixtures.
+#include "tests/support/test_support.h"
+
+#include "common/plugin_static_function.h"
+#include "result_db/schema.h"
+
+#include <QDir>
+#include <QRegularExpression>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QtTest>
+
+namespace {
+
+// A connection of its own for one use.
+class test_database {
+public:
+    explicit test_database(const QString& path)
+        : database(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("test_database"))) {
+        database.setDatabaseName(path);
+        if (!database.open()) {
+            qFatal("cannot open %s", qPrintable(path));
+        }
+    }
+    ~test_database() {
+        database.close();
+        database = QSqlDatabase();
+        QSqlDatabase::removeDatabase(QStringLiteral("test_database"));
+    }
+    QSqlDatabase database;
+};
+
+void run_statement(QSqlDatabase& database, const QString& statement) {
+    QSqlQuery query(database);
+    if (!query.exec(statement)) {
+        qFatal("%s: %s", qPrintable(statement), qPrintable(query.lastError().text()));
+    }
+}
+
+struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source_record(const QString& root,
+                                                                   const QList<QPair<QString, QString>>& users) {
+    struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info record;
+    record.fs_extraction_source_path = root;
+    record.os_scheme_display = QStringLiteral("Windows");
+    record.os_scheme_internal = QStringLiteral("winOS");
+    for (const auto& user : users) {
+        record.system_account_QList.append({user.first, user.second});
+    }
+    return record;
+}
+
+} // namespace
+
+test_case_folder::test_case_folder(const QList<QPair<QString, QString>>& accounts) : users(accounts) {
+    QDir().mkpath(root());
+    QDir().mkpath(result_dir());
+    {
+        test_database result(database_path());
+        for (const result_table& table : result_tables()) {
+            run_statement(result.database, QLatin1String(table.create_statement));
+        }
+    }
+    plugin_static_function::set_essentials();
+    plugin_static_function::set_engine_type(0);
+    plugin_static_function::set_source_count(1);
+    plugin_static_function::set_source_info(source_record(root(), users));
+    struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info general;
+    general.debug_mode_status = true;
+    general.debug_print_in_file = true;
+    general.debug_file_path = folder.path() + QStringLiteral("/debug.log");
+    plugin_static_function::set_general_info(general);
+}
+
+test_case_folder::~test_case_folder() {
+    plugin_static_function::close_debug_file();
+}
+
+QString test_case_folder::package_folder(const QString& user) const {
+    return root() + QStringLiteral("Users/") + user +
+           QStringLiteral("/AppData/Local/Packages/Microsoft.Windows.Cortana_cw5n1h2txyewy/");
+}
+
+void test_case_folder::write_file(const QString& path_below_root, const QByteArray& content) const {
+    const QString path = root() + path_below_root;
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        qFatal("cannot write %s", qPrintable(path));
+    }
+}
+
+std::unique_ptr<cortana_winos> test_case_folder::make_front(const QStringList& tables) const {
+    auto front = std::make_unique<cortana_winos>();
+    front->winos_set_engine_type(0);
+    front->winos_set_plugin_name(QStringLiteral("Cortana"));
+    front->winos_set_source_count(1);
+    front->winos_set_source_info(source_record(root(), users));
+    front->winos_set_essential_for_vantor_desk_extraction(tables);
+    front->winos_set_destination_location(result_dir(), result_dir() + QStringLiteral("tmp/"), database_path());
+    return front;
+}
+
+QStringList test_case_folder::take_log() {
+    QFile log(folder.path() + QStringLiteral("/debug.log"));
+    if (!log.open(QIODevice::ReadOnly) || !log.seek(log_position)) {
+        return {};
+    }
+    QString text = QString::fromLocal8Bit(log.readAll());
+    log_position = log.pos();
+    static const QRegularExpression head(
+        QStringLiteral("^\\[\\d{4}-[A-Z][a-z]{2}-\\d\\dT\\d\\d-\\d\\d-\\d\\d\\]\\[VANTOR_DESK\\]"
+                       "\\[Artifacts Extraction\\]\\[([^\\]]*)\\]"),
+        QRegularExpression::MultilineOption);
+    text.replace(head, QStringLiteral("\\1"));
+    text.replace(root(), QStringLiteral("ROOT/")).replace(result_dir(), QStringLiteral("RESULT/"));
+    if (text.endsWith(QLatin1Char('\n'))) {
+        text.chop(1);
+    }
+    return text.isEmpty() ? QStringList() : text.split(QLatin1Char('\n'));
+}
+
+void test_case_folder::execute(const QString& statement) const {
+    test_database result(database_path());
+    run_statement(result.database, statement);
+}
+
+QStringList test_case_folder::dump(const QString& table) const {
+    return dump_table(database_path(), table);
+}
+
+QStringList test_case_folder::dump(const QString& table, const QStringList& columns) const {
+    return dump_table(database_path(), table, columns);
+}
+
+QStringList dump_table(const QString& database_path, const QString& table, const QStringList& columns) {
+    test_database result(database_path);
+    QStringList names = columns;
+    if (names.isEmpty()) {
+        const QSqlRecord record = result.database.record(table);
+        for (int i = 0; i < record.count(); ++i) {
+            names.append(record.fieldName(i));
+        }
+    }
+    QStringList selected;
+    for (const QString& name : qAsConst(names)) {
+        selected << QStringLiteral("typeof(\"%1\"), \"%1\"").arg(name);
+    }
+    QSqlQuery query(result.database);
+    query.exec(QStringLiteral("select %1 from %2 order by rowid").arg(selected.join(QLatin1Char(',')), table));
+    QStringList rows;
+    while (query.next()) {
+        QStringList values;
+        for (int i = 0; i < names.size(); ++i) {
+            values << QStringLiteral("%1=%2:%3")
+                          .arg(names.at(i), query.value(2 * i).toString(), query.value(2 * i + 1).toString());
+        }
+        rows << values.join(QStringLiteral(" | "));
+    }
+    return rows;
+}
+
+QStringList golden_lines(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        QTest::qFail(qPrintable(QStringLiteral("no golden file ") + path), __FILE__, __LINE__);
+        return {};
+    }
+    QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    lines.removeLast(); // what follows the last line break
+    return lines;
+}
+
+bool matches_golden(const QStringList& lines, const QString& path) {
+    if (qEnvironmentVariableIsSet("UPDATE_GOLDEN")) {
+        QFile file(path);
+        QDir().mkpath(QFileInfo(path).path());
+        const QByteArray content = lines.join(QLatin1Char('\n')).toUtf8() + '\n';
+        const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+        qWarning("golden file %s %s", qPrintable(path), written ? "written" : "NOT written");
+        return false;
+    }
+    const QStringList wanted = golden_lines(path);
+    for (int i = 0; i < qMax(lines.size(), wanted.size()); ++i) {
+        const QString line = lines.value(i, QStringLiteral("(no line)"));
+        const QString golden = wanted.value(i, QStringLiteral("(no line)"));
+        if (line != golden) {
+            qWarning("line %d\n  is     %s\n  golden %s", i + 1, qPrintable(line), qPrintable(golden));
+            return false;
+        }
+    }
+    return true;
+}
