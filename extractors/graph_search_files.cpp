@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+// graphed_cache: one row per entity of the text files in the graph cache folders.
+#include "extractors/graph_text.h"
+#include "extractors/row_values.h"
+#include "extractors/step_run.h"
+#include "plugin/cortana_winos.h"
+#include "source/directory_walk.h"
+#include "source/source_guard.h"
+
+#include <fcntl.h>
+#include <limits>
+#include <new>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// Deliberate: "In sert" is two words; log readers know the line by them.
+constexpr step_texts texts = {
+    "void cortana_winos::extract_graph_search_files()",
+    "[extract_graph_search_files] ----- STARTS ------",
+    "[extract_graph_search_files]Destination Db opening -----FAILED----- ",
+    "[extract_graph_search_files] ----- ENDS ------",
+    {"In sert query -----FAILED----- in graphed_cache ", false, "", ""},
+    "insert into graphed_cache "
+    "(bookmark,system_user,domain_user,entity_id,search_id,search_content,longitude,latitude,map_url,phone,creation_"
+    "timestamp,modification_timestamp,last_accessed_timestamp,source_file ,os_scheme_display,source_count_name) "
+    "values(0,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)",
+};
+
+struct graph_row {
+    const row_origin& origin;
+    const graph_entity& entity;
+};
+
+const bindings<graph_row> columns = {
+    {"system_user", [](const graph_row& row) { return QVariant(row.origin.system_user); }},
+    {"domain_user", [](const graph_row& row) { return QVariant(row.origin.domain_user); }},
+    {"entity_id", [](const graph_row& row) { return QVariant(row.entity.entity_id); }},
+    {"search_id", [](const graph_row& row) { return QVariant(row.entity.search_id); }},
+    {"search_content", [](const graph_row& row) { return QVariant(row.entity.search_content); }},
+    {"longitude", [](const graph_row& row) { return QVariant(row.entity.longitude); }},
+    {"latitude", [](const graph_row& row) { return QVariant(row.entity.latitude); }},
+    {"map_url",
+     [](const graph_row& row) {
+         return QVariant(map_url(row.entity.latitude.trimmed(), row.entity.longitude.trimmed()));
+     }},
+    {"phone", [](const graph_row& row) { return QVariant(row.entity.phone); }},
+    {"creation_timestamp", [](const graph_row& row) { return QVariant(row.entity.creation_time); }},
+    {"modification_timestamp", [](const graph_row& row) { return QVariant(row.entity.modification_time); }},
+    {"last_accessed_timestamp", [](const graph_row& row) { return QVariant(row.entity.last_access_time); }},
+    {"source_file", [](const graph_row& row) { return QVariant(row.origin.source_file); }},
+    {"os_scheme_display", [](const graph_row& row) { return QVariant(row.origin.os_scheme_display); }},
+    {"source_count_name", [](const graph_row& row) { return QVariant(row.origin.source_count_name); }},
+};
+
+// A descriptor that is closed on every way out.
+class open_file {
+public:
+    explicit open_file(const QByteArray& native_path)
+        : handle(::open(native_path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {}
+    ~open_file() {
+        if (handle >= 0) {
+            ::close(handle);
+        }
+    }
+    open_file(const open_file&) = delete;
+    open_file& operator=(const open_file&) = delete;
+
+    // Bytes of a regular file; -1 for anything else.
+    qint64 size() const {
+        struct stat status = {};
+        return handle >= 0 && ::fstat(handle, &status) == 0 && S_ISREG(status.st_mode) ? qint64(status.st_size) : -1;
+    }
+    // True when all the bytes that were asked for came.
+    bool read(char* to, qint64 count) const {
+        while (count > 0) {
+            const ssize_t got = ::read(handle, to, static_cast<std::size_t>(count));
+            if (got <= 0) {
+                return false;
+            }
+            to += got;
+            count -= got;
+        }
+        return true;
+    }
+
+private:
+    int handle;
+};
+
+// Nothing when the file cannot be read whole, be it for its rights, its size or its medium.
+std::optional<QByteArray> whole_content(const QByteArray& native_path) {
+    constexpr qint64 largest = std::numeric_limits<int>::max() - 64; // what one byte array holds
+    const open_file file(native_path);
+    const qint64 size = file.size();
+    if (size < 0 || size > largest) {
+        return std::nullopt;
+    }
+    try {
+        QByteArray content(static_cast<int>(size), Qt::Uninitialized);
+        return file.read(content.data(), size) ? std::make_optional(content) : std::nullopt;
+    } catch (const std::bad_alloc&) {
+        return std::nullopt;
+    }
+}
+
+// Writes the entities of one file; false when cancelled.
+bool write_entities(const QByteArray& content, const row_origin& origin, step_run& run) {
+    graph_text_cutter cutter(content);
+    graph_entity entity;
+    while (!run.cancelled()) {
+        if (!cutter.next(entity)) {
+            return true;
+        }
+        run.insert(bound_values(columns, {origin, entity}));
+    }
+    return false;
+}
+
+// False when cancelled.
+bool read_folder(const QString& folder, step_run& run, source_guard& guard) {
+    row_origin origin = origin_of(folder, run.context); // the users are the folder's, the source file is each file
+    return walk_directory(folder, [&](const walk_entry& entry) {
+        if (run.cancelled()) {
+            return false;
+        }
+        if (!entry.is_regular_file || !entry.native_path.endsWith("ttl")) {
+            return true;
+        }
+        const std::optional<QByteArray> content =
+            guard.exists(entry.native_path) ? whole_content(entry.native_path) : std::nullopt;
+        if (!content) {
+            run.log(QStringLiteral("Unable to open file in graph cache"));
+            return true;
+        }
+        origin.source_file = origin_of(entry.path, run.context).source_file;
+        return write_entities(*content, origin, run);
+    });
+}
+
+} // namespace
+
+void cortana_winos::extract_graph_search_files() {
+    run_step(context_for_step(), texts, [this](step_run& run) {
+        source_guard guard(fs_extraction_source_path);
+        for (const QString& folder : qAsConst(graph_dir_list)) {
+            if (!read_folder(folder, run, guard)) {
+                return false;
+            }
+        }
+        return true;
+    });
+}
+
+QString cortana_winos::extract_original_name(QByteArray content, qint64 start, qint64 end) {
+    return graph_original_name(content, start, end);
+}
+
+QString cortana_winos::extract_data_str(qint64 start, qint64 end, QByteArray content) {
+    return graph_quoted_value(content, start, end);
+}
+
+QString cortana_winos::extract_date(qint64 start, qint64 end, QByteArray content) {
+    return graph_date(content, start, end);
+}
+
+QString cortana_winos::graphed_timestamp_conversion(QString text) {
+    return graph_timestamp(text);
+}
