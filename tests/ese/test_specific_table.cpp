@@ -1,0 +1,321 @@
+// SPDX-License-Identifier: MIT
+// Opening, finding and walking tables of real files, the kept columns of the three readers, damaged files, and the
+// slots of the virtual operations.
+#include "common/text_decoding.h"
+#include "ese/contact_triggers.h"
+#include "ese/place_triggers.h"
+#include "ese/timetriggers.h"
+#include "evidence/ese_damage.h"
+#include "tests/ese/ese_files.h"
+
+#include <QtTest>
+
+#include <cstring>
+
+namespace {
+
+const QString key = QStringLiteral("key-1");
+
+std::filesystem::path native(const QString& path) {
+    return QFile::encodeName(path).constData();
+}
+
+QByteArray file_content(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// A table of text columns with one row, whose values are the columns' names in lower case.
+test_table named_values(const std::string& name, const QStringList& columns) {
+    test_table table{name, {}, {{}}};
+    for (const QString& column : columns) {
+        table.columns.push_back(test_column(column.toStdString(), ese_type::text));
+        table.rows[0].push_back(column.toLower().toStdString());
+    }
+    return table;
+}
+
+test_table numbered_rows(const std::string& name, int count) {
+    test_table table{name, {test_column("Id", ese_type::text), test_column("Kind", ese_type::signed_32)}, {}};
+    for (int row = 0; row < count; ++row) {
+        table.rows.push_back({std::string(60, 'x') + std::to_string(row), 2});
+    }
+    return table;
+}
+
+QStringList texts_of(const specific_table::struct_time_triggers_data& r) {
+    return {
+        r.lookup_key,      r.id,           r.date_time,          r.recurrence_unit,  r.rule_instance_id, r.rule_status,
+        r.rule_error_code, r.unused_field, r.rule_error_message, r.last_trigger_time};
+}
+QStringList texts_of(const specific_table::struct_place_reminder_data& r) {
+    return {r.lookup_key, r.id, r.latitude, r.longitude, r.radius, r.start_date, r.name};
+}
+QStringList texts_of(const specific_table::struct_contact_trigger_data& r) {
+    return {r.lookup_key,     r.id,           r.rule_instance_id,  r.rule_status, r.rule_error_code, r.aggregate_id,
+            r.contact_handle, r.contact_name, r.rule_error_message};
+}
+QStringList texts_of(const specific_table::struct_remainder_data& r) {
+    return {r.lookup_key,       latin1_until_nul(r.id), r.status,          r.sync_status, r.creation_time,
+            r.last_update_time, r.last_access_time,     r.completion_time, r.title,       r.text};
+}
+QStringList texts_of(const specific_table::struct_data& r) {
+    return {latin1_until_nul(r.id), latin1_until_nul(r.reminder_id), r.kind, r.creation_time};
+}
+
+} // namespace
+
+class test_specific_table : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void unopenable_file_data();
+    void unopenable_file();
+    void chains_and_lists();
+    void readers_keep_their_columns();
+    void fields_without_a_column_are_empty_not_null();
+    void long_names();
+    void damaged_table_data();
+    void damaged_table();
+    void slot_order_data();
+    void slot_order();
+
+private:
+    QString path_of(const char* name) const { return folder.filePath(QString::fromLatin1(name)); }
+
+    QTemporaryDir folder;
+};
+
+void test_specific_table::unopenable_file_data() {
+    const QString whole = path_of("whole.dat");
+    write_ese(whole, {numbered_rows("Triggers", 3)});
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("zero length") << QByteArray();
+    QTest::newRow("text") << QByteArray("not a database\n").repeated(1000);
+    QTest::newRow("cut in the header") << file_content(whole).left(300);
+    QTest::newRow("cut behind the header") << file_content(whole).left(2 * 4096);
+    QByteArray flipped = file_content(whole);
+    flipped[100] = static_cast<char>(flipped[100] ^ 1);
+    QTest::newRow("one bit of the header") << flipped;
+}
+
+void test_specific_table::unopenable_file() {
+    QFETCH(QByteArray, content);
+    const QString path = path_of("broken.dat");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    file.close();
+    timetriggers reader;
+    for (const QString& opened : {path, path_of("missing.dat"), folder.path(), QString()}) {
+        QCOMPARE(reader.start_parsing(opened, QStringLiteral("Triggers")), -1);
+        QCOMPARE(reader.start_parsing(opened, QStringLiteral("Triggers"), key, 1), -1);
+        QCOMPARE(reader.start_parsing(opened, QStringLiteral("Triggers"), key, QStringList()), -1);
+    }
+    QVERIFY(reader.list_struct_data.isEmpty() && reader.list_remainder_data.isEmpty());
+}
+
+void test_specific_table::chains_and_lists() {
+    const QString path = path_of("größe.dat");
+    write_ese(path, {numbered_rows("Triggers", 3), numbered_rows("Empty", 0)});
+    const QString triggers = QStringLiteral("Triggers");
+    specific_table bare;
+    timetriggers reader;
+    for (const QString& missing : {QStringLiteral("Empty"), QStringLiteral("triggers"), QStringLiteral("")}) {
+        QCOMPARE(bare.start_parsing(path, missing), 0);
+        QCOMPARE(bare.start_parsing(path, missing, key, 1), 0);
+        QCOMPARE(bare.start_parsing(path, missing, key, QStringList()), 0);
+    }
+    QVERIFY(bare.list_struct_data.isEmpty() && bare.list_remainder_data.isEmpty());
+
+    bare.start_parsing(path, triggers);
+    bare.start_parsing(path, triggers, key, 1);
+    bare.start_parsing(path, triggers, key, QStringList());
+    QCOMPARE(bare.list_struct_data.size(), 3);
+    QCOMPARE(texts_of(bare.list_struct_data.at(2)).join(QString()), QString());
+    QCOMPARE(bare.list_remainder_data.size(), 6);
+    QCOMPARE(texts_of(bare.list_remainder_data.at(5)).join(QString()), QString());
+
+    for (const int flag : {0, 1, 7}) { // the flag and the list change nothing, and lists only grow
+        reader.start_parsing(path, triggers, key, flag);
+        reader.start_parsing(path, triggers, key, QStringList(QString::number(flag)));
+    }
+    QCOMPARE(reader.list_time_triggers_data.size(), 9);
+    QCOMPARE(reader.list_remainder_data.size(), 9);
+    QCOMPARE(texts_of(reader.list_time_triggers_data.at(1)), texts_of(reader.list_time_triggers_data.at(7)));
+    QCOMPARE(texts_of(reader.list_remainder_data.at(1)), texts_of(reader.list_remainder_data.at(7)));
+    QVERIFY(!reader.current_time_triggers_data && !reader.current_remainder_data);
+}
+
+void test_specific_table::readers_keep_their_columns() {
+    const QString path = path_of("core.dat");
+    const QString other = QStringLiteral("ID"); // column names are compared exactly
+    const auto list = [](const char* names) { return QString::fromLatin1(names).split(QLatin1Char(' ')); };
+    const QStringList triggers = list("Id ReminderId Kind CreationTime");
+    const QStringList reminders = list("Id Status SyncStatus CreationTime LastUpdateTime LastAccessTime CompletionTime "
+                                       "Title Text");
+    const QStringList times = list("Id DateTime RecurrenceUnit RuleInstanceId RuleStatus RuleErrorCode "
+                                   "RuleErrorMessage LastTriggerTime");
+    const QStringList places = list("Id Latitude Longitude Radius StartDate Name");
+    const QStringList contacts = list("Id RuleInstanceId RuleStatus RuleErrorCode AggregateId ContactHandle "
+                                      "ContactName RuleErrorMessage");
+    write_ese(path, {named_values("Triggers", triggers + list("id Unknown")),
+                     named_values("Reminders", QStringList(other) + reminders),
+                     named_values("TimeTriggers", times + QStringList(other)),
+                     named_values("LocationTriggers", places + list("name")),
+                     named_values("ContactTriggers", list("contactName") + contacts)});
+    const auto in_lower_case = [](const QStringList& names) {
+        return names.join(QLatin1Char(' ')).toLower().split(QLatin1Char(' '));
+    };
+    timetriggers time;
+    place_triggers place;
+    contact_triggers contact;
+    for (specific_table* reader : {static_cast<specific_table*>(&time), static_cast<specific_table*>(&place),
+                                   static_cast<specific_table*>(&contact)}) {
+        reader->start_parsing(path, QStringLiteral("Triggers"));
+        QCOMPARE(texts_of(reader->list_struct_data.at(0)), in_lower_case(triggers));
+        reader->start_parsing(path, QStringLiteral("Reminders"), key, QStringList());
+        QCOMPARE(texts_of(reader->list_remainder_data.at(0)), QStringList(key) + in_lower_case(reminders));
+    }
+    time.start_parsing(path, QStringLiteral("TimeTriggers"), key, 1);
+    QStringList expected = in_lower_case(times);
+    expected.insert(6, QString()); // the field that no column fills
+    QCOMPARE(texts_of(time.list_time_triggers_data.at(0)), QStringList(key) + expected);
+    place.start_parsing(path, QStringLiteral("LocationTriggers"), key, 1);
+    QCOMPARE(texts_of(place.list_place_reminder_data.at(0)), QStringList(key) + in_lower_case(places));
+    contact.start_parsing(path, QStringLiteral("ContactTriggers"), key, 1);
+    QCOMPARE(texts_of(contact.list_contact_trigger_data.at(0)), QStringList(key) + in_lower_case(contacts));
+}
+
+void test_specific_table::fields_without_a_column_are_empty_not_null() {
+    const QString path = path_of("sparse.dat");
+    write_ese(path, {{"T", {test_column("Other", ese_type::signed_32), test_column("Title", ese_type::text)}, {{1}}}});
+    timetriggers reader;
+    reader.start_parsing(path, QStringLiteral("T"), key, QStringList());
+    reader.start_parsing(path, QStringLiteral("T"), key, 1);
+    const QStringList texts =
+        texts_of(reader.list_remainder_data.at(0)) + texts_of(reader.list_time_triggers_data.at(0));
+    for (const QString& text : texts) {
+        QVERIFY(!text.isNull() && (text.isEmpty() || text == key));
+    }
+}
+
+void test_specific_table::long_names() {
+    const QString path = path_of("names.dat");
+    const std::string name(1500, 'n');
+    write_ese(
+        path,
+        {{name, {test_column(name + "1", ese_type::text), test_column(name + "2", ese_type::text)}, {{"a", "b"}}}},
+        32768);
+    every_value_reader reader;
+    reader.start_parsing(path, QString::fromStdString(name));
+    QCOMPARE(reader.records.size(), 1);
+    QCOMPARE(reader.records.at(0).value(QString::fromStdString(name + "1")), QByteArray("a"));
+    QCOMPARE(reader.records.at(0).value(QString::fromStdString(name + "2")), QByteArray("b"));
+    reader.start_parsing(path, QString::fromStdString(name.substr(1)));
+    QCOMPARE(reader.records.size(), 1);
+}
+
+void test_specific_table::damaged_table_data() {
+    QTest::addColumn<QString>("damage");
+    for (const char* damage : {"zeroed leaf", "truncated in the table", "tag out of the page", "bits flipped"}) {
+        QTest::newRow(damage) << QString::fromLatin1(damage);
+    }
+}
+
+// The rows that are read are rows that were written, and the other table of the file is whole.
+void test_specific_table::damaged_table() {
+    QFETCH(QString, damage);
+    constexpr int count = 2000;
+    const QString path = path_of("damaged.dat");
+    write_ese(path, {numbered_rows("Other", 5), numbered_rows("Triggers", count)});
+    const std::filesystem::path file = native(path);
+    std::uint32_t leaf = 0;
+    for (const ese_page& page : ese_pages_of(file, ese_table_object(file, "Triggers"))) {
+        leaf = page.is_leaf ? page.number : leaf;
+    }
+    QVERIFY(leaf > 0);
+    const std::uint64_t begin = (std::uint64_t{leaf} + 1) * 4096;
+    if (damage == QLatin1String("zeroed leaf")) {
+        ese_zero_page(file, leaf);
+    } else if (damage == QLatin1String("truncated in the table")) {
+        ese_truncate(file, begin);
+    } else if (damage == QLatin1String("tag out of the page")) {
+        ese_set_byte(file, begin + 4096 - 6, 0xFF);
+        ese_set_byte(file, begin + 4096 - 5, 0xFF);
+    } else {
+        for (std::uint64_t bit = 0; bit < 40; ++bit) { // the first record's header and ids
+            ese_flip_bit(file, begin + 40 + bit, bit % 8);
+        }
+    }
+    timetriggers reader;
+    QCOMPARE(reader.start_parsing(path, QStringLiteral("Triggers")), 0);
+    QVERIFY(reader.list_struct_data.size() < count || damage == QLatin1String("bits flipped"));
+    QSet<QByteArray> written;
+    for (int row = 0; row < count; ++row) {
+        written.insert(QByteArray(60, 'x') + QByteArray::number(row));
+    }
+    int unknown = 0;
+    for (const auto& record : qAsConst(reader.list_struct_data)) {
+        unknown += written.contains(record.id) ? 0 : 1;
+    }
+    QVERIFY(unknown <= 1); // the flipped record itself
+    reader.list_struct_data.clear();
+    QCOMPARE(reader.start_parsing(path, QStringLiteral("Other")), 0);
+    QCOMPARE(reader.list_struct_data.size(), 5);
+}
+
+namespace {
+
+// Itanium ABI on x86-64: a pointer to a virtual member function begins with 1 + its offset in the virtual table.
+template <class Signature>
+int slot_of(Signature specific_table::*member) {
+    std::ptrdiff_t word = 0;
+    std::memcpy(&word, &member, sizeof(word));
+    return static_cast<int>((word - 1) / static_cast<std::ptrdiff_t>(sizeof(void*)));
+}
+
+} // namespace
+
+void test_specific_table::slot_order_data() {
+    using table = specific_table;
+    using handle = intptr_t*;
+    QTest::addColumn<int>("is");
+    QTest::addColumn<int>("wanted"); // from 1; the destructors are 1 and 2
+    const auto add = [](const char* name, int is, int wanted) {
+        QTest::addRow("%d %s", wanted, name) << is + 1 << wanted;
+    };
+    add("start_parsing", slot_of<int(QString, QString)>(&table::start_parsing), 3);
+    add("start_parsing", slot_of<int(QString, QString, QString, int)>(&table::start_parsing), 4);
+    add("start_parsing", slot_of<int(QString, QString, QString, QStringList)>(&table::start_parsing), 5);
+    add("get_desired_table", slot_of<void(handle, handle, QString)>(&table::get_desired_table), 6);
+    add("get_records", slot_of<int(handle, handle)>(&table::get_records), 7);
+    add("get_record_values", slot_of<void(handle, handle, QString, int, unsigned)>(&table::get_record_values), 8);
+    add("get_column_name_and_type", slot_of<void(handle, handle)>(&table::get_column_name_and_type), 9);
+    add("get_column_name", slot_of<QString(handle, int, handle)>(&table::get_column_name), 10);
+    add("record_type_case", slot_of<QByteArray(handle, int, unsigned, handle)>(&table::record_type_case), 11);
+    add("get_desired_table", slot_of<void(handle, handle, QString, QString, QStringList)>(&table::get_desired_table),
+        12);
+    add("get_records", slot_of<int(handle, handle, QString, QStringList)>(&table::get_records), 13);
+    add("get_column_name_and_type",
+        slot_of<void(handle, handle, QString, QStringList)>(&table::get_column_name_and_type), 14);
+    add("get_record_values",
+        slot_of<void(handle, handle, QString, int, unsigned, QString, QStringList)>(&table::get_record_values), 15);
+    add("get_desired_table", slot_of<void(handle, handle, QString, QString)>(&table::get_desired_table), 16);
+    add("get_records", slot_of<int(handle, handle, QString)>(&table::get_records), 17);
+    add("get_column_name_and_type", slot_of<void(handle, handle, QString)>(&table::get_column_name_and_type), 18);
+    add("get_record_values", slot_of<void(handle, handle, QString, int, unsigned, QString)>(&table::get_record_values),
+        19);
+}
+
+// Subclasses outside this project override by slot.
+void test_specific_table::slot_order() {
+#if !defined(__x86_64__)
+    QSKIP("reads the virtual table's layout of one ABI");
+#endif
+    QFETCH(int, is);
+    QFETCH(int, wanted);
+    QCOMPARE(is, wanted);
+}
+
+QTEST_APPLESS_MAIN(test_specific_table)
+#include "test_specific_table.moc"
