@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// Result table contact_triggers: the reminders that fire when the user deals with a contact.
+#include "ese/contact_triggers.h"
+#include "extractors/reminder_procedure.h"
+#include "plugin/cortana_winos.h"
+
+namespace {
+
+using trigger = specific_table::struct_contact_trigger_data;
+using row = reminder_row<trigger>;
+
+const reminder_step<trigger> step{
+    {
+        "void cortana_winos::extract_contact_triggers()",
+        "[extract_contact_triggers] ----- STARTS ------",
+        "[extract_contact_triggers]Destination Db opening ---FAILED--- ",
+        "[extract_contact_triggers] ----- ENDS ------",
+        {"--------INSERTION Query ----FAILED------", true, "Error :- ", "Query :- "},
+        "INSERT INTO "
+        "contact_triggers(bookmark,system_user,domain_user,contact_name,title,text,creation_time,last_update_time,"
+        "last_access_time,completion_time,source_file,os_scheme_display,source_count_name) "
+        "VALUES(0,?,?,?,?,?,?,?,?,?,?,?,?)",
+    },
+    QStringLiteral("3"),
+    QStringLiteral("ContactTriggers"),
+    &specific_table::list_contact_trigger_data,
+    {
+        {"system_user", system_user_of},
+        {"domain_user", domain_user_of},
+        {"contact_name", [](const row& r) -> QVariant { return r.trigger.contact_name; }},
+        {"title", title_of},
+        {"text", text_of},
+        {"creation_time", creation_time_of},
+        {"last_update_time", last_update_time_of},
+        {"last_access_time", last_access_time_of},
+        {"completion_time", completion_time_of},
+        {"source_file", source_file_of},
+        {"os_scheme_display", os_scheme_of},
+        {"source_count_name", source_count_of},
+    },
+};
+
+} // namespace
+
+void cortana_winos::extract_contact_triggers() {
+    run_reminder_step(context_for_step(), step, contact_reader, cortana_core_db_file_list);
+}
