@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+// bench_searches [keys ...]: the searches step over a hive with 10, 1,000 and 20,000 ".&input=" keys of five values
+// each and as many ".com" keys (or the given numbers), beside hivexregedit and hivexml, which write the same hive as
+// text. Whole processes, the best of several.
+#include "bench/child_process.h"
+#include "common/plugin_static_function.h"
+#include "evidence/hive_writer.h"
+#include "plugin/cortana_winos.h"
+#include "result_db/schema.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <cstdio>
+#include <functional>
+
+namespace {
+
+constexpr int values_a_key = 5;
+constexpr int rows_a_key = values_a_key + 1; // and one of the ".com" key
+constexpr int rounds = 5;
+
+struct bench_files {
+    explicit bench_files(const QString& folder)
+        : root(folder + QStringLiteral("/source/")), hive(root + QStringLiteral("Users/anna/NTUSER.DAT")),
+          result(folder + QStringLiteral("/Cortana.sqlite")) {}
+    QString root, hive, result;
+};
+
+// A recent document as the shell keeps it: the name in UTF-16, then the short name of the link to it.
+QByteArray recent_document(int key, int value) {
+    const QByteArray address = "search?q=search " + QByteArray::number(key) + " number " + QByteArray::number(value) +
+                               "&form=WNSGPH&qs=SW&sbts=" + QByteArray::number(1589212345678 + key * qint64(60000));
+    return utf16_text(QString::fromLatin1(address)) + QByteArray(14, '\x01') + address + ".lnk" + QByteArray(3, '\0');
+}
+
+int write_hive(const bench_files& files, int keys) {
+    QStringList inputs;
+    QStringList addresses;
+    for (int key = 0; key < keys; ++key) {
+        inputs << QStringLiteral(".&input=%1&FORM=WNSGPH").arg(key, 6, 10, QLatin1Char('0'));
+        addresses << QStringLiteral(".com/search?q=number%20%1&form=QBLH&sbts=1589212345678")
+                         .arg(key, 6, 10, QLatin1Char('0'));
+    }
+    hive_writer hive;
+    const QString explorer = QStringLiteral("SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\");
+    int number = 0;
+    for (const auto input : hive.add_keys(hive.add_path(explorer + QStringLiteral("RecentDocs")), inputs)) {
+        QVector<hive_value> values;
+        for (int value = 0; value < values_a_key; ++value) {
+            values.append({QString::number(value), hive_t_REG_BINARY, recent_document(number, value)});
+        }
+        hive.set_values(input, values);
+        ++number;
+    }
+    hive.add_keys(hive.add_path(explorer + QStringLiteral("FileExts")), addresses);
+    QDir().mkpath(QFileInfo(files.hive).path());
+    return hive.save(files.hive) ? 0 : 1;
+}
+
+bool make_result(const bench_files& files) {
+    const QString connection = QStringLiteral("schema");
+    QFile::remove(files.result);
+    QSqlDatabase::removeDatabase(connection);
+    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+    database.setDatabaseName(files.result);
+    bool made = database.open();
+    for (const result_table& table : result_tables()) {
+        made = made && QSqlQuery(database).exec(QLatin1String(table.create_statement));
+    }
+    return made;
+}
+
+int extract(const bench_files& files, int keys) {
+    struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
+    source.fs_extraction_source_path = files.root;
+    source.os_scheme_display = QStringLiteral("Windows");
+    source.system_account_QList.append({QStringLiteral("anna"), QStringLiteral("CORP\\anna")});
+    plugin_static_function::set_source_info(source);
+    cortana_winos front;
+    qint64 records = 0;
+    QObject::connect(&front, &cortana_winos::signal_extracted_records_of_plugin_winos,
+                     [&](qint64 count) { records = count; });
+    front.winos_set_engine_type(0);
+    front.winos_set_source_info(source);
+    front.winos_set_essential_for_vantor_desk_extraction({QStringLiteral("searches")});
+    front.winos_set_destination_location(QString(), QString(), files.result);
+    front.find_source_file();
+    front.winos_extract_artifacts();
+    return records == qint64(keys) * rows_a_key ? 0 : 1;
+}
+
+child_figures best_of_rounds(const std::function<child_figures()>& run) {
+    child_figures best = run();
+    for (int round = 1; round < rounds && best.succeeded; ++round) {
+        const child_figures figures = run();
+        if (!figures.succeeded || figures.seconds < best.seconds) {
+            best = figures;
+        }
+    }
+    return best;
+}
+
+void print(const char* what, const child_figures& figures, int keys, double compared) {
+    if (!figures.succeeded) {
+        std::printf("  %-13s failed\n", what);
+        return;
+    }
+    std::printf("  %-13s %8.3f s %8.1f us a record %7.1f MB", what, figures.seconds,
+                figures.seconds * 1e6 / (keys * rows_a_key), figures.peak_megabytes);
+    if (compared > 0) {
+        std::printf("   searches takes %.2f times as long", compared / figures.seconds);
+    }
+    std::printf("\n");
+}
+
+void measure_tool(const char* tool, const std::vector<std::string>& arguments, int keys, double compared) {
+    if (QStandardPaths::findExecutable(QLatin1String(tool)).isEmpty()) {
+        std::printf("  %-13s not installed, skipped\n", tool);
+        return;
+    }
+    print(tool, best_of_rounds([&] { return run_child(tool, arguments); }), keys, compared);
+}
+
+bool measure(int keys) {
+    const QTemporaryDir folder;
+    const bench_files files(folder.path());
+    const std::string path = folder.path().toStdString();
+    const std::string number = std::to_string(keys);
+    const std::string hive = files.hive.toStdString();
+    if (!run_self({"write", path, number}).succeeded) {
+        return false;
+    }
+    const child_figures searches = best_of_rounds([&] {
+        return make_result(files) ? run_self({"extract", path, number}) : child_figures();
+    });
+    std::printf("%d + %d keys, %d records, hive of %.1f MB\n", keys, keys, keys * rows_a_key,
+                static_cast<double>(QFileInfo(files.hive).size()) / (1 << 20));
+    print("searches", searches, keys, 0);
+    measure_tool("hivexregedit", {"--export", hive, "\\"}, keys, searches.seconds);
+    measure_tool("hivexml", {hive}, keys, searches.seconds);
+    std::fflush(stdout);
+    return searches.succeeded;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::string role = argc == 4 ? argv[1] : "";
+    if (role == "write" || role == "extract") {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        const QApplication application(argc, argv);
+        const bench_files files(QFile::decodeName(argv[2]));
+        return role == "write" ? write_hive(files, std::atoi(argv[3])) : extract(files, std::atoi(argv[3]));
+    }
+    const QCoreApplication application(argc, argv);
+    QList<int> numbers;
+    for (int index = 1; index < argc; ++index) {
+        numbers << std::atoi(argv[index]);
+    }
+    if (numbers.isEmpty()) {
+        numbers = {10, 1000, 20000};
+    }
+    bool measured = true;
+    for (const int keys : qAsConst(numbers)) {
+        measured = measure(keys) && measured;
+    }
+    return measured ? 0 : 1;
+}

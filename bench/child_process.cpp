@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// fork, exec, wait4. The parent must stay small: a child's peak counts from what it was forked as.
+#include "bench/child_process.h"
+
+#include <chrono>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+double seconds_of(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+} // namespace
+
+child_figures run_child(const std::string& program, const std::vector<std::string>& arguments) {
+    std::vector<std::string> texts{program};
+    texts.insert(texts.end(), arguments.begin(), arguments.end());
+    std::vector<char*> pointers;
+    for (std::string& text : texts) {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+    const auto start = std::chrono::steady_clock::now();
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const int nowhere = ::open("/dev/null", O_WRONLY);
+        ::dup2(nowhere, STDOUT_FILENO);
+        ::execvp(pointers.front(), pointers.data());
+        ::_exit(127);
+    }
+    child_figures figures;
+    int status = 0;
+    rusage used = {};
+    if (child > 0 && ::wait4(child, &status, 0, &used) == child) {
+        figures.succeeded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    }
+    figures.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    figures.processor_seconds = seconds_of(used.ru_utime) + seconds_of(used.ru_stime);
+    figures.peak_megabytes = static_cast<double>(used.ru_maxrss) / 1024;
+    return figures;
+}
+
+child_figures run_self(const std::vector<std::string>& arguments) {
+    return run_child("/proc/self/exe", arguments);
+}

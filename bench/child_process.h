@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// Runs a measurement in a process of its own, so that its peak memory is its own.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct child_figures {
+    bool succeeded = false;
+    double seconds = 0;           // wall time from start to exit
+    double peak_megabytes = 0;    // resident
+    double processor_seconds = 0; // user and system time: what a busy machine changes least
+};
+
+// Runs program (looked up in PATH when it has no "/") with arguments; its output is thrown away.
+child_figures run_child(const std::string& program, const std::vector<std::string>& arguments);
+// Runs this benchmark itself again.
+child_figures run_self(const std::vector<std::string>& arguments);

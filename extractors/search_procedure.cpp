@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// A hive that cannot be read, or lacks the key, gives no records and no message.
+#include "extractors/search_procedure.h"
+
+#include "extractors/row_values.h"
+
+namespace {
+
+struct search_row {
+    const row_origin& origin; // of the hive
+    QString keyword;
+    QString time;
+};
+
+// Deliberate: the time is bound as text; the column's type turns digits into a number and keeps anything else.
+const bindings<search_row> columns = {
+    {"system_user", [](const search_row& row) { return QVariant(row.origin.system_user); }},
+    {"domain_user", [](const search_row& row) { return QVariant(row.origin.domain_user); }},
+    {"search_keyword", [](const search_row& row) { return QVariant(row.keyword); }},
+    {"search_timestamp", [](const search_row& row) { return QVariant(row.time); }},
+    {"source_file", [](const search_row& row) { return QVariant(row.origin.source_file); }},
+    {"os_scheme_display", [](const search_row& row) { return QVariant(row.origin.os_scheme_display); }},
+    {"source_count_name", [](const search_row& row) { return QVariant(row.origin.source_count_name); }},
+};
+
+// False when cancelled.
+bool write_records(step_run& run, const search_step& step, const registry& walker, const row_origin& origin) {
+    for (const registry::my_data_inst_apps& record : walker.record_list) {
+        if (run.cancelled()) {
+            return false;
+        }
+        const QByteArray bytes = step.searched_bytes(record);
+        const search_row row{origin, step.text(bytes), step.time(bytes)};
+        if (!row.keyword.isEmpty() || !row.time.isEmpty()) {
+            run.insert(bound_values(columns, row));
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+bool walk_hives(step_run& run, const search_step& step, registry& walker, const QStringList& hives) {
+    for (const QString& hive : hives) {
+        if (run.cancelled()) {
+            return false;
+        }
+        walker.record_list.clear();
+        walker.start_registry_parse(hive, QLatin1String(step.key_path), false);
+        if (!write_records(run, step, walker, origin_of(hive, run.context))) {
+            return false;
+        }
+    }
+    return true;
+}

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// Result table searches, second half: search addresses filed as file extensions.
+#include "extractors/search_procedure.h"
+#include "extractors/search_text.h"
+#include "plugin/cortana_winos.h"
+#include "registry/search_from_com.h"
+
+namespace {
+
+const search_step step{
+    {
+        "void cortana_winos::extract_search_from_com_registry()",
+        "[extract_search_from_com_registry] ----- STARTS ------",
+        "[extract_search_from_com_registry]Destination Db opening ---FAILED--- ",
+        "[extract_search_from_com_registry] ----- ENDS ------",
+        {"--------INSERTION Query ----FAILED------", true, "Error :- ", "Query :- "},
+        "INSERT INTO searches(bookmark,system_user,domain_user,search_keyword,search_timestamp,source_file, "
+        "os_scheme_display,source_count_name) VALUES (0,?,?,?,?,?,?,?)",
+    },
+    "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts",
+    [](const registry::my_data_inst_apps& record) { return record.key_name.toLocal8Bit(); },
+    search_text_in_name,
+    search_time_in_name,
+};
+
+} // namespace
+
+void cortana_winos::extract_search_from_com_registry() {
+    run_search_step(context_for_step(), step, com_walker, ntuser_file_list);
+}
+
+QString cortana_winos::get_searched_text_for_com(QByteArray key_name) {
+    return search_text_in_name(key_name);
+}
+
+QString cortana_winos::get_time(QByteArray key_name) {
+    return search_time_in_name(key_name);
+}

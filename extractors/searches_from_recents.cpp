@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// Result table searches, first half: what the recent-documents key keeps of searches.
+#include "extractors/search_procedure.h"
+#include "extractors/search_text.h"
+#include "plugin/cortana_winos.h"
+#include "registry/text_search_registry.h"
+
+namespace {
+
+const search_step step{
+    {
+        "void cortana_winos::extract_search_from_recents()",
+        "[extract_search_from_recents] ----- STARTS ------",
+        "[extract_search_from_recents]Destination Db opening ---FAILED--- ",
+        "[extract_search_from_recents] ----- ENDS ------",
+        {"[extract_search_from_recents] --------INSERTION Query ----FAILED------", false, "", ""},
+        "INSERT INTO searches(bookmark,system_user,domain_user,search_keyword,search_timestamp,source_file, "
+        "os_scheme_display,source_count_name) VALUES (0,?,?,?,?,?,?,?)",
+    },
+    "\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RecentDocs",
+    [](const registry::my_data_inst_apps& record) { return record.value_data; },
+    search_text_in_value,
+    search_time_in_value,
+};
+
+} // namespace
+
+void cortana_winos::extract_search_from_recents() {
+    run_search_step(context_for_step(), step, recents_walker, ntuser_file_list);
+}
+
+QString cortana_winos::get_search_text(QByteArray value_data) {
+    return search_text_in_value(value_data);
+}
+
+QString cortana_winos::get_search_time(QByteArray value_data) {
+    return search_time_in_value(value_data);
+}
