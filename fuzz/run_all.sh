@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# fuzz/run_all.sh [SECONDS]: runs every fuzz target so long over the kept inputs and new ones. New inputs go to
+# build/fuzz/found/ and are kept by hand when they are worth it.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+seconds=${1:-60}
+for program in build/fuzz/bin/fuzz_*; do
+    name=$(basename "$program")
+    mkdir -p "build/fuzz/found/$name"
+    kept=()
+    [ -d "fuzz/corpus/$name" ] && kept=("fuzz/corpus/$name")
+    echo "fuzz: $name, $seconds s"
+    "$program" -max_total_time="$seconds" -max_len=4096 -timeout=10 -rss_limit_mb=2048 -verbosity=0 \
+        -artifact_prefix="build/fuzz/found/" "build/fuzz/found/$name" "${kept[@]}" 2>"build/fuzz/$name.log" ||
+        { tail -n 40 "build/fuzz/$name.log" >&2; exit 1; }
+done
