@@ -8,7 +8,7 @@ top=$(cd "$(dirname "$0")/.." && pwd)
 packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libhivex-dev libsqlite3-dev)
 for extra in "$@"; do
     case "$extra" in
-        lint) packages+=(clang clang-tidy clang-format cppcheck) ;;
+        lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
         bench) packages+=(libwin-hivex-perl libhivex-bin) ;;
         *) echo "setup: unknown word '$extra'" >&2; exit 2 ;;
     esac
