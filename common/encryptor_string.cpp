@@ -121,7 +121,7 @@ QByteArray encryptor_string::decryptToByteArray(QByteArray ciphertext) {
         qWarning("Invalid version or not a cyphertext.");
         return {};
     }
-    const int flags = ciphertext.at(1);
+    const int flags = static_cast<unsigned char>(ciphertext.at(1));
     QByteArray data = ciphertext.mid(2);
     char previous = 0;
     for (int i = 0; i < data.size(); ++i) {

@@ -26,7 +26,9 @@ Number number_or_zero(int (*get)(libesedb_record_t*, int, Number*, libesedb_erro
 template <class Number>
 bool is_null_filler(const Number& number) {
     static_assert(sizeof(number) == sizeof(null_filler), "only 64-bit columns are filled so");
-    return std::memcmp(&number, &null_filler, sizeof(number)) == 0;
+    uint64_t bits = 0;
+    std::memcpy(&bits, &number, sizeof(bits));
+    return bits == null_filler;
 }
 
 QByteArray boolean_text(const value_place& at) {

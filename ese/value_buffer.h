@@ -17,7 +17,8 @@ constexpr size_t longest_value = size_t{128} << 20;
 template <size_t Capacity>
 class value_buffer {
 public:
-    value_buffer() = default;
+    // cppcheck-suppress uninitMemberVar // only the part in use is ever set, see fill()
+    value_buffer() { fixed[0] = '\0'; }
     value_buffer(const value_buffer&) = delete;
     value_buffer& operator=(const value_buffer&) = delete;
 

@@ -115,8 +115,8 @@ bool write_file_of(const QString& profile_folder, const sample_container& contai
     directory.replace(QLatin1Char('\\'), QLatin1Char('/'));
     directory.replace(QLatin1String("microsoft.windows.cortana"), QLatin1String("Microsoft.Windows.Cortana"));
     if (entry.secure_directory > 0) {
-        directory +=
-            QLatin1String(container.secure_directories + 8 * (entry.secure_directory - 1), 8) + QLatin1Char('/');
+        directory += QLatin1String(container.secure_directories + std::ptrdiff_t{8} * (entry.secure_directory - 1), 8) +
+                     QLatin1Char('/');
     }
     QFile file(profile_folder + directory + QLatin1String(entry.filename));
     const std::string content = content_of(entry);

@@ -95,15 +95,22 @@ bool reminder_pairing::for_each_pair(const std::function<bool()>& keep_going,
                                      const std::function<void(int trigger, int reminder)>& visit) const {
     int reminder_block = 0;
     qint64 walked = 0;
+    // The rows of one copy of a trigger table; false when told to stop.
+    const auto visit_copy = [&](const block& file, const match& matched) {
+        const qint64 copy_begin = file.trigger_begin + qint64{matched.key} * file.trigger_rows;
+        for (const int row : file.groups[matched.group]) {
+            if (!keep_going()) {
+                return false;
+            }
+            visit(file.first_trigger + row, reminder_at(copy_begin + row, reminder_block));
+            walked = copy_begin + row + 1;
+        }
+        return true;
+    };
     for (const block& file : blocks) {
         for (const match& matched : file.matches) {
-            const qint64 copy_begin = file.trigger_begin + qint64{matched.key} * file.trigger_rows;
-            for (const int row : file.groups[matched.group]) {
-                if (!keep_going()) {
-                    return false;
-                }
-                visit(file.first_trigger + row, reminder_at(copy_begin + row, reminder_block));
-                walked = copy_begin + row + 1;
+            if (!visit_copy(file, matched)) {
+                return false;
             }
         }
     }

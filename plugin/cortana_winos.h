@@ -16,6 +16,7 @@ class contact_triggers;
 class place_triggers;
 class plugin_helper_functions;
 class search_from_com;
+class source_guard;
 class specific_table;
 class text_search_registry;
 class timetriggers;
@@ -85,6 +86,8 @@ Q_SIGNALS:
     void signal_total_tabs_processed_winos(int count);
 
 private:
+    // The places in the profile's Cortana package folders; false when cancelled.
+    bool find_in_packages(const QString& packages, source_guard& guard);
     step_context context_for_step();
     void count_inserted_record();
 

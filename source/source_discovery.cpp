@@ -47,41 +47,41 @@ void cortana_winos::find_source_file() {
                               &graph_dir_list, &ntuser_file_list}) {
         list->clear();
     }
-    const place in_profile[] = {
-        {"/AppData/Local/Microsoft/Windows/WebCache/WebCacheV01.dat", &webcache_file_list},
-        {"/NTUSER.DAT", &ntuser_file_list},
-    };
+    source_guard guard(fs_extraction_source_path);
+    for (const QString& user : qAsConst(user_name_list)) {
+        const QString profile = fs_extraction_source_path + QStringLiteral("Users/") + user;
+        for (const place& wanted :
+             {place{"/AppData/Local/Microsoft/Windows/WebCache/WebCacheV01.dat", &webcache_file_list},
+              place{"/NTUSER.DAT", &ntuser_file_list}}) {
+            add_existing(profile, wanted, guard);
+        }
+        if (!find_in_packages(profile + QStringLiteral("/AppData/Local/Packages/"), guard)) {
+            return;
+        }
+    }
+    plugin_static_function::app_debug(QStringLiteral("[find_source_file]---ENDS---"), function_text);
+}
+
+bool cortana_winos::find_in_packages(const QString& packages, source_guard& guard) {
     const place in_package[] = {
         {"/AppData/Indexed DB/IndexedDB.edb", &indexed_db_file_list},
         {"/LocalState/ESEDatabase_CortanaCoreInstance/CortanaCoreDb.dat", &cortana_core_db_file_list},
         {"/LocalState/LocalRecorder/Speech/", &speech_dir_list},
         {"/LocalState/Graph/", &graph_dir_list},
     };
-    source_guard guard(fs_extraction_source_path);
-    for (const QString& user : qAsConst(user_name_list)) {
-        const QString profile = fs_extraction_source_path + QStringLiteral("Users/") + user;
-        for (const place& wanted : in_profile) {
-            add_existing(profile, wanted, guard);
-        }
-        const QString packages = profile + QStringLiteral("/AppData/Local/Packages/");
-        if (!guard.exists(packages)) {
-            continue;
-        }
-        const bool finished = walk_entries_in(packages, [&](const walk_entry& entry) {
-            if (bool_cancel_extraction) {
-                return false;
-            }
-            const QString name = entry.path.mid(packages.size());
-            if (name.contains(QLatin1String("Microsoft.Windows.Cortana"))) {
-                for (const place& wanted : in_package) {
-                    add_existing(packages + name, wanted, guard);
-                }
-            }
-            return true;
-        });
-        if (!finished) {
-            return;
-        }
+    if (!guard.exists(packages)) {
+        return true;
     }
-    plugin_static_function::app_debug(QStringLiteral("[find_source_file]---ENDS---"), function_text);
+    return walk_entries_in(packages, [&](const walk_entry& entry) {
+        if (bool_cancel_extraction) {
+            return false;
+        }
+        const QString name = entry.path.mid(packages.size());
+        if (name.contains(QLatin1String("Microsoft.Windows.Cortana"))) {
+            for (const place& wanted : in_package) {
+                add_existing(packages + name, wanted, guard);
+            }
+        }
+        return true;
+    });
 }
