@@ -11,6 +11,7 @@
 
 #include <cstring>
 #include <memory>
+#include <sys/stat.h>
 
 namespace ese {
 
@@ -37,11 +38,17 @@ using table_handle = std::unique_ptr<libesedb_table_t, free_table>;
 using record_handle = std::unique_ptr<libesedb_record_t, free_record>;
 using long_value_handle = std::unique_ptr<libesedb_long_value_t, free_long_value>;
 
+// A pipe in a database's place would make the open wait for a writer that never comes.
+inline bool is_regular_file(const QByteArray& path) {
+    struct stat status = {};
+    return ::stat(path.constData(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 // Each gives a null handle when libesedb cannot. path is in the local 8-bit encoding, name in UTF-8; both end at
 // their first zero byte.
 inline file_handle open_file(const QByteArray& path) {
     libesedb_file_t* file = nullptr;
-    if (libesedb_file_initialize(&file, nullptr) != success) {
+    if (!is_regular_file(path) || libesedb_file_initialize(&file, nullptr) != success) {
         return nullptr;
     }
     file_handle owned(file);

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+// Everything that the program prints. Names and paths are chosen by the evidence, so nothing of them reaches a
+// terminal that could move its cursor, change its colours or turn its writing direction.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+// The text with control characters, line separators and direction marks as \n, \t, \xNN or \uNNNN.
+QString printable(const QString& text);
+
+// One line on standard error, "cortana: " in front; made printable.
+void say(const QString& message);
+
+// Text as it is, to standard output, in UTF-8. False: it cannot be written.
+bool print(const QString& text);
+bool print(const QByteArray& bytes);
+
+// Sends Qt's own messages and the plugin's terminal log to standard error, a printable line each. Quiet: nothing
+// but fatal ones.
+void take_qt_messages(bool quiet);

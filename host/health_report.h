@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// What was seen of the evidence besides rows: "no data" must never look like "could not be read".
+#pragma once
+
+#include <QString>
+#include <QVector>
+
+// One thing seen, about one path of the source.
+struct finding {
+    QString path;
+    QString reason;
+};
+
+struct health_report {
+    QVector<finding> problems; // evidence that could not be read, the first ones
+    QVector<finding> notes;    // what an examiner should know, the first ones
+    qint64 problem_count = 0;
+    qint64 note_count = 0;
+
+    void add_problem(const QString& path, const QString& reason) { add(problems, problem_count, path, reason); }
+    void add_note(const QString& path, const QString& reason) { add(notes, note_count, path, reason); }
+
+private:
+    static void add(QVector<finding>& list, qint64& count, const QString& path, const QString& reason) {
+        constexpr int most_kept = 1000; // a damaged source can have a finding for each of its files
+        ++count;
+        if (list.size() < most_kept) {
+            list.append({path, reason});
+        }
+    }
+};

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// The command-line host: drives the plugin library as the suite would, from a terminal or a script.
+#include "host/cancellation.h"
+#include "host/console.h"
+#include "host/environment.h"
+#include "host/exit_codes.h"
+#include "host/extract_command.h"
+#include "host/log_command.h"
+#include "host/options.h"
+#include "host/versions.h"
+
+#include <QApplication>
+#include <QFile>
+
+#include <exception>
+
+namespace {
+
+// Qt must not take words of ours for its own options, so it gets the program's name only.
+QStringList words_of(int count, char** words) {
+    QStringList list;
+    for (int i = 0; i < count; ++i) {
+        list.append(QFile::decodeName(words[i]));
+    }
+    return list;
+}
+
+int print_text(const QString& text) {
+    return print(text) ? exit_complete : exit_output;
+}
+
+int run(const command_line& line) {
+    switch (line.what) {
+    case command::extract:
+        take_cancel_signals();
+        return run_extract_command(line.extract);
+    case command::log:
+        take_qt_messages(true); // the cipher's own warnings; each record is told of by its number
+        return run_log_command(line.log_file);
+    case command::rows:
+        return run_rows_command(line.rows);
+    case command::version:
+        return print_text(version_text());
+    case command::help:
+        return print_text(line.text);
+    case command::refused:
+        break;
+    }
+    say(line.text);
+    say(QStringLiteral("see cortana --help"));
+    return exit_usage;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        prepare_environment();
+        take_qt_messages(true); // Qt's remarks about a missing session are no concern of the user's
+        hold_cancel_signals();
+        char program[] = "cortana";
+        char* only_program[] = {argc > 0 ? argv[0] : program, nullptr};
+        int one = 1;
+        const QApplication application(one, only_program);
+        settle_file_name_encoding();
+        take_qt_messages(false);
+        return run(read_command_line(argc > 0 ? words_of(argc, argv) : QStringList(QStringLiteral("cortana"))));
+    } catch (const std::exception& fault) {
+        say(QStringLiteral("internal fault: ") + QString::fromLocal8Bit(fault.what()));
+        return exit_internal;
+    }
+}
