@@ -2,6 +2,7 @@
 // bench_graph [MEGABYTES...]: cutting of graph cache files of 1, 10 and 100 MB (or MEGABYTES each) and the whole
 // graphed_cache step over them: MB/s and peak memory. Each measurement runs in a process of its own, so that the
 // memory is its own. "memory" is the peak without what the process had before it took the file.
+#include "bench/child_process.h"
 #include "extractors/graph_text.h"
 #include "tests/support/test_support.h"
 
@@ -12,8 +13,6 @@
 #include <cstdlib>
 #include <functional>
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -67,20 +66,11 @@ double peak_megabytes() {
 
 // Runs work in a child process and prints its figures; ends the program when it failed.
 void measure(const char* what, const file_kind& kind, int megabytes, const std::function<figures()>& work) {
-    std::fflush(stdout);
-    const pid_t child = fork();
-    if (child == 0) {
+    must_run([&] {
         const figures got = work();
         std::printf("%-8s %-32s %5d MB: %9.1f MB/s %9d entities, memory %7.1f MB\n", what, kind.name, megabytes,
                     megabytes / got.seconds, got.entities, peak_megabytes() - got.base_megabytes);
-        std::fflush(stdout);
-        _exit(0);
-    }
-    int status = 1;
-    if (child < 0 || waitpid(child, &status, 0) != child || status != 0) {
-        std::fprintf(stderr, "bench_graph: a measurement failed\n");
-        std::exit(1);
-    }
+    });
 }
 
 // Without the making of the file: the content is read as the step reads it.
@@ -124,12 +114,7 @@ figures extract(const test_case_folder& folder) {
 
 // The parent must stay small, so another process makes the file.
 void write_file(const test_case_folder& folder, const QString& path, const file_kind& kind, int megabytes) {
-    const pid_t child = fork();
-    if (child == 0) {
-        folder.write_file(path, file_of(kind, megabytes * bytes_per_megabyte));
-        _exit(0);
-    }
-    waitpid(child, nullptr, 0);
+    must_run([&] { folder.write_file(path, file_of(kind, megabytes * bytes_per_megabyte)); });
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // bench_reminders [COUNT...]: the time-reminders step over one profile with 100 to 100,000 reminders (or COUNT each):
 // seconds, microseconds a row (by the clock and of the processor) and peak memory. Each size runs in a process of its
 // own, so that the memory is its own.
+#include "bench/child_process.h"
 #include "evidence/cortana_core_schema.h"
 #include "tests/support/test_support.h"
 
@@ -14,7 +15,6 @@
 #include <cstdlib>
 #include <functional>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -55,24 +55,6 @@ void write_reminders(const QString& path, int count) {
     file.close();
 }
 
-// Runs work in a child process; gives its peak memory in MB, or ends the program when it failed.
-double in_child(const std::function<void()>& work) {
-    std::fflush(stdout);
-    const pid_t child = fork();
-    if (child == 0) {
-        work();
-        std::fflush(stdout);
-        _exit(0);
-    }
-    int status = 1;
-    rusage usage{};
-    if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0) {
-        std::fprintf(stderr, "bench_reminders: a child process failed\n");
-        std::exit(1);
-    }
-    return static_cast<double>(usage.ru_maxrss) / 1024;
-}
-
 double processor_seconds() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
@@ -88,7 +70,7 @@ void extract(int count) {
     const test_case_folder test_case;
     const QString path = test_case.package_folder(QStringLiteral("anna")) +
                          QStringLiteral("LocalState/ESEDatabase_CortanaCoreInstance/CortanaCoreDb.dat");
-    in_child([&] { write_reminders(path, count); });
+    must_run([&] { write_reminders(path, count); });
     const auto front = test_case.make_front();
     front->find_source_file();
     const double processor_before = processor_seconds();
@@ -97,7 +79,7 @@ void extract(int count) {
     front->extract_timetriggers();
     const double processor = processor_seconds() - processor_before;
     const double seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
-    in_child([&] {
+    must_run([&] {
         if (test_case.dump(QStringLiteral("time_reminders"), {QStringLiteral("bookmark")}).size() != count) {
             _exit(1);
         }
@@ -118,7 +100,7 @@ int main(int argc, char** argv) {
     }
     std::printf("%10s %10s %12s %12s %10s\n", "reminders", "seconds", "us a row", "CPU us a row", "peak MB");
     for (const int count : qAsConst(counts)) {
-        const double megabytes = in_child([count] { extract(count); });
+        const double megabytes = must_run([count] { extract(count); }).peak_megabytes;
         std::printf(" %10.1f\n", megabytes);
     }
     return 0;

@@ -3,6 +3,8 @@
 #include "bench/child_process.h"
 
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -12,6 +14,21 @@ namespace {
 
 double seconds_of(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+using clock_time = std::chrono::steady_clock::time_point;
+
+child_figures figures_of(pid_t child, clock_time start) {
+    child_figures figures;
+    int status = 0;
+    rusage used = {};
+    if (child > 0 && ::wait4(child, &status, 0, &used) == child) {
+        figures.succeeded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    }
+    figures.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    figures.processor_seconds = seconds_of(used.ru_utime) + seconds_of(used.ru_stime);
+    figures.peak_megabytes = static_cast<double>(used.ru_maxrss) / 1024;
+    return figures;
 }
 
 } // namespace
@@ -32,18 +49,30 @@ child_figures run_child(const std::string& program, const std::vector<std::strin
         ::execvp(pointers.front(), pointers.data());
         ::_exit(127);
     }
-    child_figures figures;
-    int status = 0;
-    rusage used = {};
-    if (child > 0 && ::wait4(child, &status, 0, &used) == child) {
-        figures.succeeded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    }
-    figures.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    figures.processor_seconds = seconds_of(used.ru_utime) + seconds_of(used.ru_stime);
-    figures.peak_megabytes = static_cast<double>(used.ru_maxrss) / 1024;
-    return figures;
+    return figures_of(child, start);
 }
 
 child_figures run_self(const std::vector<std::string>& arguments) {
     return run_child("/proc/self/exe", arguments);
+}
+
+child_figures run_work(const std::function<void()>& work) {
+    std::fflush(stdout);
+    const auto start = std::chrono::steady_clock::now();
+    const pid_t child = ::fork();
+    if (child == 0) {
+        work();
+        std::fflush(stdout);
+        ::_exit(0);
+    }
+    return figures_of(child, start);
+}
+
+child_figures must_run(const std::function<void()>& work) {
+    const child_figures figures = run_work(work);
+    if (!figures.succeeded) {
+        std::fputs("a child process of the benchmark failed\n", stderr);
+        std::exit(1);
+    }
+    return figures;
 }

@@ -2,6 +2,7 @@
 // Runs a measurement in a process of its own, so that its peak memory is its own.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,3 +17,7 @@ struct child_figures {
 child_figures run_child(const std::string& program, const std::vector<std::string>& arguments);
 // Runs this benchmark itself again.
 child_figures run_self(const std::vector<std::string>& arguments);
+// Runs work in a fork of this process; its output stays. Work that does not return (a signal, an exit) has failed.
+child_figures run_work(const std::function<void()>& work);
+// The same for work without which the benchmark cannot go on: ends the program when it failed.
+child_figures must_run(const std::function<void()>& work);
