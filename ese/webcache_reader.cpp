@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+// The kept columns of "Containers" and of the "Container_" tables.
+#include "ese/webcache_reader.h"
+
+#include "ese/record_walk.h"
+
+#include <algorithm>
+
+namespace {
+
+using container = specific_table::struct_container_data;
+using entry = specific_table::struct_ano_data;
+
+const kept_column<container, QString> container_texts[] = {
+    {QLatin1String("ContainerId"), &container::container_id},
+    {QLatin1String("Name"), &container::name},
+};
+const kept_column<entry, QString> entry_texts[] = {
+    {QLatin1String("Filename"), &entry::filename},
+    {QLatin1String("Url"), &entry::url},
+    {QLatin1String("FileSize"), &entry::file_size},
+    {QLatin1String("AccessCount"), &entry::access_count},
+    {QLatin1String("SyncTime"), &entry::sync_time},
+    {QLatin1String("CreationTime"), &entry::creation_time},
+    {QLatin1String("ExpiryTime"), &entry::expiry_time},
+    {QLatin1String("ModifiedTime"), &entry::modified_time},
+    {QLatin1String("AccessedTime"), &entry::accessed_time},
+    {QLatin1String("SecureDirectory"), &entry::secure_directory},
+};
+
+constexpr int secure_name_length = 8;
+
+// A damaged file chooses both the number of names and the number of columns; a real one has at most 32 of each.
+constexpr int most_repeated_names = 1 << 22;
+
+// copies times the names in a row. The records of one table share the list of the first: with one of its own, each
+// record would hold hundreds of texts.
+QStringList repeated(const QStringList& names, int copies, const QStringList& previous) {
+    if (names.isEmpty()) {
+        return {};
+    }
+    copies = qMin(copies, qMax(1, most_repeated_names / names.size()));
+    const int size = copies * names.size();
+    if (previous.size() == size && std::equal(names.cbegin(), names.cend(), previous.cbegin())) {
+        return previous;
+    }
+    QStringList list;
+    list.reserve(size);
+    for (int copy = 0; copy < copies; ++copy) {
+        list += names;
+    }
+    return list;
+}
+
+} // namespace
+
+QStringList secure_directory_names(const QString& text) {
+    QStringList names;
+    if (text.size() % secure_name_length != 0) {
+        return names;
+    }
+    names.reserve(text.size() / secure_name_length);
+    for (int offset = 0; offset < text.size(); offset += secure_name_length) {
+        names.append(text.mid(offset, secure_name_length));
+    }
+    return names;
+}
+
+void webcache_reader::get_column_name_and_type(libesedb_record_t* record, libesedb_error_t* error) {
+    walk_values(record, error, list_container_data, current_container_data);
+}
+
+void webcache_reader::get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name,
+                                        int value_index, unsigned int column_type) {
+    const auto value = [&] { return record_type_case(record, value_index, column_type, error); };
+    if (QString* text = field_of_column(container_texts, column_name, *current_container_data)) {
+        *text = utf8_until_nul(value());
+    } else if (column_name == QLatin1String("Directory")) {
+        // Deliberate: the value is UTF-8 and is read as Latin-1. A profile folder with other letters gives another text
+        // than its name; decoded properly, rows would show paths that earlier runs over the same evidence do not have.
+        current_container_data->directory = latin1_until_nul(value()).replace(QLatin1Char('\\'), QLatin1Char('/'));
+    } else if (column_name == QLatin1String("SecureDirectories")) {
+        current_container_data->secure_directories += secure_directory_names(latin1_until_nul(value()));
+    }
+}
+
+// Deliberate: a record of N columns holds N copies of the container's secure directories, one for each visit of a
+// value. An index beyond the first copy finds a name again; with one copy its row would lose the sub-directory.
+// The visits are handed no names and the copies are made here at once, so that the records can share them.
+void webcache_reader::get_column_name_and_type(libesedb_record_t* record, libesedb_error_t* error, QString directory,
+                                               QStringList secure_directories) {
+    const int known = list_ano_data.size();
+    walk_values(record, error, list_ano_data, current_ano_data, directory, QStringList());
+    if (list_ano_data.size() == known) {
+        return;
+    }
+    int visits = 0;
+    libesedb_record_get_number_of_values(record, &visits, nullptr);
+    const QStringList previous = known > 0 ? list_ano_data.at(known - 1).container_secure_directories : QStringList();
+    list_ano_data[known].container_secure_directories = repeated(secure_directories, visits, previous);
+}
+
+void webcache_reader::get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name,
+                                        int value_index, unsigned int column_type, QString directory,
+                                        QStringList secure_directories) {
+    if (current_ano_data->container_directory != directory) {
+        current_ano_data->container_directory = directory;
+    }
+    current_ano_data->container_secure_directories += secure_directories;
+    if (QString* text = field_of_column(entry_texts, column_name, *current_ano_data)) {
+        *text = utf8_until_nul(record_type_case(record, value_index, column_type, error));
+    }
+}

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// The reader that cache, cookies and domstore share. The plain chain reads "Containers" into list_container_data; the
+// keyed chain with list reads a "Container_" table into list_ano_data, carrying the container's directory (the key) and
+// its secure directories (the list) down to every record.
+#pragma once
+
+#include "ese/specific_table.h"
+
+// Columns are matched by their exact names; other columns are skipped unread. The caller empties the lists between
+// database files. The remaining chain stays the base class's and keeps nothing.
+class webcache_reader : public specific_table {
+public:
+    using specific_table::get_column_name_and_type;
+    using specific_table::get_record_values;
+
+    void get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name, int value_index,
+                           unsigned int column_type) override;
+    void get_column_name_and_type(libesedb_record_t* record, libesedb_error_t* error) override;
+    void get_column_name_and_type(libesedb_record_t* record, libesedb_error_t* error, QString directory,
+                                  QStringList secure_directories) override;
+    void get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name, int value_index,
+                           unsigned int column_type, QString directory, QStringList secure_directories) override;
+};
+
+// The names of 8 characters that stand side by side in a container's "SecureDirectories"; none when the length of the
+// text is not a positive multiple of 8.
+QStringList secure_directory_names(const QString& text);

@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: MIT
+// The WebCache readers on real files: both kinds of table, odd values, damage.
+#include "ese/cache.h"
+#include "ese/cookies.h"
+#include "ese/domstore.h"
+#include "evidence/ese_damage.h"
+#include "evidence/webcache_schema.h"
+#include "tests/ese/ese_files.h"
+
+#include <QtTest>
+
+namespace {
+
+const QString containers = QStringLiteral("Containers");
+const QString container_1 = QStringLiteral("Container_1");
+const QStringList two_names{QStringLiteral("ABCD1234"), QStringLiteral("EFGH5678")};
+
+QStringList repeated(const QStringList& list, int copies) {
+    QStringList all;
+    for (int copy = 0; copy < copies; ++copy) {
+        all += list;
+    }
+    return all;
+}
+
+QStringList fields(const specific_table::struct_ano_data& r) {
+    return {r.secure_directory, r.file_size,     r.access_count,  r.sync_time, r.creation_time,
+            r.expiry_time,      r.modified_time, r.accessed_time, r.url,       r.filename};
+}
+
+} // namespace
+
+class test_webcache_reader : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir folder;
+    QString file() const { return folder.path() + QStringLiteral("/WebCacheV01.dat"); }
+
+    void write_containers(const std::vector<webcache_container>& rows) const {
+        ese_writer writer(QFile::encodeName(file()).constData());
+        write_webcache_containers(writer, rows);
+        writer.close();
+    }
+    void write_entries(const std::vector<webcache_entry>& rows) const {
+        ese_writer writer(QFile::encodeName(file()).constData());
+        write_webcache_entries(writer, 1, rows);
+        writer.close();
+    }
+    // Entries named "0", "1", ..., enough for several pages.
+    void write_numbered(int count) const {
+        std::vector<webcache_entry> rows;
+        for (int number = 0; number < count; ++number) {
+            rows.push_back({std::to_string(number), "https://www.bing.com/" + std::string(200, 'x')});
+        }
+        write_entries(rows);
+    }
+    QList<int> numbers_read() const {
+        cache reader;
+        reader.start_parsing(file(), container_1, QStringLiteral("d"), two_names);
+        QList<int> numbers;
+        for (const auto& record : qAsConst(reader.list_ano_data)) {
+            numbers.append(record.filename.toInt());
+        }
+        return numbers;
+    }
+    static QList<int> range(int first, int end) {
+        QList<int> numbers;
+        for (int number = first; number < end; ++number) {
+            numbers.append(number);
+        }
+        return numbers;
+    }
+
+private Q_SLOTS:
+    void container_texts_data();
+    void container_texts();
+    void secure_directories_data();
+    void secure_directories();
+    void entry_fields_data();
+    void entry_fields();
+    void every_value_adds_the_names_again();
+    void lists_of_different_containers_stay_apart();
+    void columns_are_matched_exactly();
+    void readers_read_the_same();
+    void keyed_chain_keeps_nothing();
+    void unreadable_record_ends_its_table();
+};
+
+void test_webcache_reader::container_texts_data() {
+    QTest::addColumn<QByteArray>("stored");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("directory");
+    const auto row = [](const char* what, const QByteArray& stored, const QString& name, const QString& directory) {
+        QTest::newRow(what) << stored << name << directory;
+    };
+    row("backslashes", R"(C:\Users\u\AC\INetCache\)", QStringLiteral(R"(C:\Users\u\AC\INetCache\)"),
+        QStringLiteral("C:/Users/u/AC/INetCache/"));
+    row("both slashes, blanks", R"( C:/a\\b )", QStringLiteral(R"( C:/a\\b )"), QStringLiteral(" C:/a//b "));
+    row("letters beyond ASCII", "C:\\M\xc3\xbcller\\", QStringLiteral("C:\\M\u00fcller\\"),
+        QStringLiteral("C:/M\u00c3\u00bcller/"));
+    row("cut at NUL", QByteArray("C:\\a\0b", 6), QStringLiteral("C:\\a"), QStringLiteral("C:/a"));
+    row("long value", QByteArray("C:\\").repeated(12000), QStringLiteral("C:\\"),
+        QStringLiteral("C:/").repeated(12000));
+    row("empty", "", QStringLiteral(""), QStringLiteral(""));
+}
+
+void test_webcache_reader::container_texts() {
+    QFETCH(QByteArray, stored);
+    // "Name" is no large column: it has no long values.
+    const QByteArray name = stored.size() > 1000 ? stored.left(3) : stored;
+    write_containers({{77, name.toStdString(), stored.toStdString(), ""}, {-1, nullptr, nullptr, nullptr}});
+    cache reader;
+    QCOMPARE(reader.start_parsing(file(), containers), 0);
+    QCOMPARE(reader.list_container_data.size(), 2);
+    const auto& filled = reader.list_container_data.at(0);
+    QCOMPARE(filled.container_id, QStringLiteral("77"));
+    QTEST(filled.name, "name");
+    QTEST(filled.directory, "directory");
+    const auto& null_texts = reader.list_container_data.at(1);
+    QCOMPARE(null_texts.container_id, QStringLiteral("-1"));
+    QVERIFY(null_texts.name.isEmpty() && !null_texts.name.isNull());
+    QVERIFY(null_texts.directory.isEmpty() && !null_texts.directory.isNull());
+}
+
+void test_webcache_reader::secure_directories_data() {
+    QTest::addColumn<QByteArray>("stored");
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("one") << QByteArray("ABCD1234") << QStringList{QStringLiteral("ABCD1234")};
+    QTest::newRow("two") << QByteArray("ABCD1234EFGH5678") << two_names;
+    QTest::newRow("half a name more") << QByteArray("ABCD1234EFGH") << QStringList();
+    QTest::newRow("none") << QByteArray() << QStringList();
+    QTest::newRow("seven") << QByteArray("ABCD123") << QStringList();
+    QTest::newRow("cut at NUL") << QByteArray("ABCD1234\0FGH5678", 16) << QStringList{QStringLiteral("ABCD1234")};
+    // Eight letters, nine bytes.
+    QTest::newRow("bytes count") << QByteArray("ABCD123\xc3\xa4") << QStringList();
+    QTest::newRow("long value") << QByteArray("ABCD1234EFGH5678").repeated(2000) << repeated(two_names, 2000);
+}
+
+void test_webcache_reader::secure_directories() {
+    QFETCH(QByteArray, stored);
+    write_containers({{1, "Content", "d", stored.toStdString()}});
+    cache reader;
+    reader.start_parsing(file(), containers);
+    QCOMPARE(reader.list_container_data.size(), 1);
+    QTEST(reader.list_container_data.at(0).secure_directories, "names");
+}
+
+void test_webcache_reader::entry_fields_data() {
+    QTest::addColumn<bool>("has_values");
+    QTest::addColumn<QStringList>("texts");
+    const QString url = QStringLiteral("https://m\u00fcnchen/") + QString(60000, QLatin1Char('x'));
+    QTest::newRow("values") << true
+                            << QStringList{QStringLiteral("4294967295"),
+                                           QStringLiteral("-2"),
+                                           QStringLiteral("7"),
+                                           QStringLiteral("132000000000000001"),
+                                           QStringLiteral("132000000000000002"),
+                                           QStringLiteral("132000000000000003"),
+                                           QStringLiteral("-1"),
+                                           QStringLiteral("132000000000000005"),
+                                           url,
+                                           QStringLiteral("a b\n[1]\U0001F98A.js")};
+    // libesedb hands out the filler of a NULL column of 32 bits; only in those of 64 it is known for what it is.
+    QTest::newRow("nulls") << false
+                           << QStringList{QStringLiteral("707406378"), QStringLiteral("0"), QStringLiteral("707406378"),
+                                          QStringLiteral("0"),         QStringLiteral("0"), QStringLiteral("0"),
+                                          QStringLiteral("0"),         QStringLiteral("0"), QStringLiteral(""),
+                                          QStringLiteral("")};
+}
+
+void test_webcache_reader::entry_fields() {
+    QFETCH(bool, has_values);
+    QFETCH(QStringList, texts);
+    webcache_entry entry{nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
+    if (has_values) {
+        entry = {texts.at(9).toStdString(), texts.at(8).toStdString(), 4294967295U,        -2, 7,
+                 132000000000000001,        132000000000000002,        132000000000000003, -1, 132000000000000005};
+    }
+    write_entries({entry});
+    cookies reader;
+    reader.start_parsing(file(), container_1, QStringLiteral("C:/d/"), two_names);
+    QCOMPARE(reader.list_ano_data.size(), 1);
+    const auto& record = reader.list_ano_data.at(0);
+    QCOMPARE(fields(record), texts);
+    QCOMPARE(record.container_directory, QStringLiteral("C:/d/"));
+    QVERIFY(!record.url.isNull() && !record.filename.isNull());
+}
+
+void test_webcache_reader::every_value_adds_the_names_again() {
+    write_numbered(3);
+    domstore reader;
+    reader.start_parsing(file(), container_1, QStringLiteral("d"), two_names);
+    QCOMPARE(reader.list_ano_data.size(), 3);
+    for (const auto& record : qAsConst(reader.list_ano_data)) {
+        QCOMPARE(record.container_secure_directories, repeated(two_names, 25));
+    }
+    // Kept once for all of them.
+    QVERIFY(reader.list_ano_data.at(0).container_secure_directories.isSharedWith(
+        reader.list_ano_data.at(2).container_secure_directories));
+
+    specific_table::struct_ano_data record;
+    reader.current_ano_data = &record;
+    for (int visit = 1; visit <= 2; ++visit) {
+        reader.get_record_values(nullptr, nullptr, QStringLiteral("Other"), 0, 0, QStringLiteral("e"), two_names);
+        QCOMPARE(record.container_secure_directories, repeated(two_names, visit));
+        QCOMPARE(record.container_directory, QStringLiteral("e"));
+    }
+}
+
+void test_webcache_reader::lists_of_different_containers_stay_apart() {
+    write_numbered(1);
+    const QStringList other_names{QStringLiteral("ABCD1234"), QStringLiteral("other678")}; // same number, same first
+    cache reader;
+    for (const QStringList& names : {two_names, other_names, QStringList(), two_names}) {
+        reader.start_parsing(file(), container_1, QStringLiteral("d"), names);
+        QCOMPARE(reader.list_ano_data.last().container_secure_directories, repeated(names, 25));
+    }
+    QCOMPARE(reader.list_ano_data.size(), 4);
+}
+
+void test_webcache_reader::columns_are_matched_exactly() {
+    std::vector<ese_column> columns = webcache_entry_columns();
+    for (ese_column& column : columns) {
+        column.name = QString::fromStdString(column.name).toLower().toStdString();
+    }
+    write_ese(file(), {{"Container_1", columns, {webcache_entry_row({"a.js", "url", 1, 2, 3}, 1, 1)}}});
+    cache reader;
+    reader.start_parsing(file(), container_1, QStringLiteral("d"), QStringList());
+    reader.start_parsing(file(), QStringLiteral("container_1"), QStringLiteral("d"), QStringList());
+    QCOMPARE(reader.list_ano_data.size(), 1);
+    QCOMPARE(fields(reader.list_ano_data.at(0)).join(QString()), QString());
+}
+
+void test_webcache_reader::readers_read_the_same() {
+    write_containers({{5, "Content", R"(C:\d\)", "ABCD1234"}});
+    const std::unique_ptr<specific_table> readers[] = {std::make_unique<cache>(), std::make_unique<cookies>(),
+                                                       std::make_unique<domstore>()};
+    for (const auto& reader : readers) {
+        reader->start_parsing(file(), containers);
+        reader->start_parsing(file(), containers); // appends
+        QCOMPARE(reader->list_container_data.size(), 2);
+        QCOMPARE(reader->list_container_data.at(1).directory, QStringLiteral("C:/d/"));
+    }
+}
+
+void test_webcache_reader::keyed_chain_keeps_nothing() {
+    write_numbered(2);
+    cache reader;
+    reader.start_parsing(file(), container_1, QStringLiteral("key"), 1);
+    QCOMPARE(reader.list_ano_data.size() + reader.list_container_data.size(), 0);
+    QCOMPARE(reader.list_remainder_data.size(), 2);
+    QCOMPARE(reader.list_remainder_data.at(0).lookup_key, QString());
+}
+
+void test_webcache_reader::unreadable_record_ends_its_table() {
+    constexpr qint64 unreadable = 123;
+    write_numbered(200);
+    QFile stored(file());
+    QVERIFY(stored.open(QIODevice::ReadOnly));
+    // A record begins with four bytes, the last two of which tell where its fixed values end; EntryId, counted from 1,
+    // and ContainerId follow.
+    const qint64 ids[] = {unreadable + 1, 1};
+    const int record = stored.readAll().indexOf(QByteArray(reinterpret_cast<const char*>(ids), sizeof(ids))) - 4;
+    QVERIFY(record > 0);
+    const std::filesystem::path path = QFile::encodeName(file()).constData();
+    ese_set_byte(path, static_cast<std::uint64_t>(record) + 2, 0xFF);
+    ese_set_byte(path, static_cast<std::uint64_t>(record) + 3, 0xFF);
+    QCOMPARE(numbers_read(), range(0, unreadable));
+}
+
+QTEST_APPLESS_MAIN(test_webcache_reader)
+#include "test_webcache_reader.moc"
