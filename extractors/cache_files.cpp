@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// Result table cache_files: the files that Cortana left in the user's internet cache.
+#include "ese/cache.h"
+#include "extractors/webcache_paths.h"
+#include "extractors/webcache_procedure.h"
+#include "plugin/cortana_winos.h"
+
+namespace {
+
+const webcache_step step{
+    {
+        "void cortana_winos::extract_cache_files()",
+        "[extract_cache_files] ----- STARTS ------",
+        "[extract_cache_files]Destination Db opening ---FAILED--- ",
+        "[extract_cache_files] ----- ENDS ------",
+        {"[extract_cache_files]--- insertion query ---FAILED--- ", false, "", ""},
+        "INSERT INTO "
+        "cache_files(bookmark,system_user,domain_user,file_name,file_size,file_path,preview_file_path,"
+        "export_file_paths,file_exists,windows_path,url,access_count,creation_timestamp,modification_timestamp,"
+        "last_accessed_timestamp,sync_timestamp,expiration_timestamp,source_file, os_scheme_display,"
+        "source_count_name) VALUES(0,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)",
+    },
+    QStringLiteral("Content"),
+    windows_path_in_secure_directory,
+    whole_url,
+};
+
+} // namespace
+
+void cortana_winos::extract_cache_files() {
+    run_webcache_step<cache>(context_for_step(), step, webcache_reader, webcache_file_list);
+}

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// Result table cookies: the cookies that Cortana's package stored.
+#include "ese/cookies.h"
+#include "extractors/webcache_paths.h"
+#include "extractors/webcache_procedure.h"
+#include "plugin/cortana_winos.h"
+
+namespace {
+
+// Deliberate: three blanks in the failure line, and no secure sub-directory in the path, whatever an entry names.
+const webcache_step step{
+    {
+        "void cortana_winos::extract_cookies()",
+        "[extract_cookies] ----- STARTS ------",
+        "[extract_cookies]Destination Db opening ---FAILED--- ",
+        "[extract_cookies] ----- ENDS ------",
+        {"[extract_cookies]--- insertion query fails   --- ", false, "", ""},
+        "INSERT INTO "
+        "cookies(bookmark,system_user,domain_user,file_name,file_size,file_path,preview_file_path,"
+        "export_file_paths,file_exists,windows_path,url,access_count,creation_timestamp,modification_timestamp,"
+        "last_accessed_timestamp,sync_timestamp,expiration_timestamp,source_file, os_scheme_display,"
+        "source_count_name) VALUES(0,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)",
+    },
+    QStringLiteral("Cookies"),
+    windows_path_in_directory,
+    url_without_user,
+};
+
+} // namespace
+
+void cortana_winos::extract_cookies() {
+    run_webcache_step<cookies>(context_for_step(), step, webcache_reader, webcache_file_list);
+}
