@@ -3,6 +3,8 @@
 #include "ese/specific_table.h"
 #include "ese/value_buffer.h"
 
+#include <functional>
+
 namespace {
 
 constexpr size_t ordinary_value = 1024;
@@ -104,10 +106,12 @@ bool is_long(const value_place& at) {
     return libesedb_record_is_long_value(at.record, at.index, nullptr) == ese::success;
 }
 
-QByteArray long_binary_hex(const value_place& at) {
+using permission = std::function<bool(quint64 bytes)>;
+
+QByteArray long_binary_hex(const value_place& at, const permission& may) {
     const ese::long_value_handle long_value = ese::get_long_value(at.record, at.index);
     size64_t size = 0;
-    if (libesedb_long_value_get_data_size(long_value.get(), &size, nullptr) != ese::success) {
+    if (libesedb_long_value_get_data_size(long_value.get(), &size, nullptr) != ese::success || !may(size)) {
         return {};
     }
     ese::value_buffer<0> value;
@@ -117,10 +121,10 @@ QByteArray long_binary_hex(const value_place& at) {
     return value.hex();
 }
 
-QByteArray long_text(const value_place& at) {
+QByteArray long_text(const value_place& at, const permission& may) {
     const ese::long_value_handle long_value = ese::get_long_value(at.record, at.index);
     size_t size = 0;
-    if (libesedb_long_value_get_utf8_string_size(long_value.get(), &size, nullptr) != ese::success) {
+    if (libesedb_long_value_get_utf8_string_size(long_value.get(), &size, nullptr) != ese::success || !may(size)) {
         return {};
     }
     ese::value_buffer<0> value;
@@ -135,6 +139,7 @@ QByteArray long_text(const value_place& at) {
 QByteArray specific_table::record_type_case(libesedb_record_t* record, int value_index, unsigned int column_type,
                                             libesedb_error_t*) {
     const value_place at{record, value_index};
+    const auto may = [this](quint64 bytes) { return this->may_hand_out(bytes); };
     switch (column_type) {
     case LIBESEDB_COLUMN_TYPE_BOOLEAN:
         return boolean_text(at);
@@ -162,12 +167,12 @@ QByteArray specific_table::record_type_case(libesedb_record_t* record, int value
     case LIBESEDB_COLUMN_TYPE_BINARY_DATA:
         return binary_hex<ordinary_value>(at);
     case LIBESEDB_COLUMN_TYPE_LARGE_BINARY_DATA:
-        return is_long(at) ? long_binary_hex(at) : binary_hex<large_value>(at);
+        return is_long(at) ? long_binary_hex(at, may) : binary_hex<large_value>(at);
     case LIBESEDB_COLUMN_TYPE_TEXT:
         return text_of<ordinary_value>(at);
     case LIBESEDB_COLUMN_TYPE_LARGE_TEXT:
     case LIBESEDB_COLUMN_TYPE_SUPER_LARGE_VALUE:
-        return is_long(at) ? long_text(at) : text_of<large_value>(at);
+        return is_long(at) ? long_text(at, may) : text_of<large_value>(at);
     default:
         return raw_text(at);
     }

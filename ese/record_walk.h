@@ -18,7 +18,7 @@ void specific_table::walk_values(libesedb_record_t* record, libesedb_error_t* er
     current = &filled;
     bool complete = true;
     for (int index = 0; complete && index < values; ++index) {
-        const QString name = name_of_value(record, index, error);
+        const QString& name = name_of_value(record, index, error);
         uint32_t type = 0;
         complete = libesedb_record_get_column_type(record, index, &type, nullptr) == ese::success;
         if (complete) {
@@ -42,7 +42,8 @@ struct kept_column {
 template <class Record, class Field, size_t Count>
 Field* field_of_column(const kept_column<Record, Field> (&columns)[Count], const QString& name, Record& record) {
     for (const kept_column<Record, Field>& column : columns) {
-        if (name == column.name) {
+        // Sizes first: most of the comparisons are between names of columns that are not kept.
+        if (name.size() == column.name.size() && name == column.name) {
             return &(record.*column.field);
         }
     }

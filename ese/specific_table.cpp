@@ -5,9 +5,18 @@
 #include "ese/record_walk.h"
 #include "ese/value_buffer.h"
 
+#include <QFileInfo>
+
 namespace {
 
 constexpr size_t ordinary_name = 1024;
+
+// What the long values of a sound file come to at the most: they may be compressed, but not shared by the thousand.
+qint64 most_long_bytes(const QString& file_path) {
+    constexpr qint64 always_allowed = qint64{256} << 20;
+    constexpr qint64 most_growth = 16;
+    return always_allowed + most_growth * QFileInfo(file_path).size();
+}
 
 } // namespace
 
@@ -17,7 +26,10 @@ int specific_table::start_chain(const QString& file_path, const QString& table_n
     if (!file) {
         return -1;
     }
+    walk_stopped = false;
+    long_bytes_left = most_long_bytes(file_path);
     get_desired_table(file.get(), nullptr, table_name, extra...);
+    long_bytes_left = unlimited;
     return 0;
 }
 
@@ -39,7 +51,7 @@ int specific_table::walk_records(libesedb_table_t* table, libesedb_error_t* erro
     }
     QVector<QString> names;
     names_of_table = &names;
-    for (int index = 0; index < count; ++index) {
+    for (int index = 0; index < count && !walk_stopped; ++index) {
         libesedb_record_t* record = nullptr;
         status = libesedb_table_get_record(table, index, &record, nullptr);
         const ese::record_handle owned(record);
@@ -50,6 +62,14 @@ int specific_table::walk_records(libesedb_table_t* table, libesedb_error_t* erro
     }
     names_of_table = nullptr;
     return status;
+}
+
+bool specific_table::may_hand_out(quint64 bytes) {
+    if (bytes > static_cast<quint64>(long_bytes_left)) {
+        return false;
+    }
+    long_bytes_left -= long_bytes_left == unlimited ? 0 : static_cast<qint64>(bytes);
+    return true;
 }
 
 QString specific_table::name_of_value(libesedb_record_t* record, int value_index, libesedb_error_t* error) {

@@ -11,6 +11,8 @@
 
 #include <libesedb.h>
 
+#include <limits>
+
 // Nothing is logged and nothing throws: a file that does not open gives -1, a missing table no records, an unreadable
 // record ends its table, a record with an unreadable column type is dropped, an unreadable value gives empty text.
 // The lists only ever grow, over all tables, keys and files that one reader reads. One thread at a time.
@@ -161,6 +163,9 @@ protected:
     void walk_values(libesedb_record_t* record, libesedb_error_t* error, QList<Record>& list, Record*& current,
                      const Extra&... extra);
 
+    // Set by a subclass that wants no further record of the table being walked.
+    bool walk_stopped = false;
+
 private:
     template <class... Extra>
     int start_chain(const QString& file_path, const QString& table_name, const Extra&... extra);
@@ -173,4 +178,10 @@ private:
     // Names by value index, for the table being walked: they are the same in all its records, and asking libesedb for
     // them costs more than the values. Null outside a walk.
     QVector<QString>* names_of_table = nullptr;
+
+    // Bytes of long values that the running start_parsing may still hand out. Any number of records may refer to one
+    // long value, so a small file could ask for more memory than there is; a value past this counts as unreadable.
+    static constexpr qint64 unlimited = std::numeric_limits<qint64>::max();
+    qint64 long_bytes_left = unlimited;
+    bool may_hand_out(quint64 bytes);
 };

@@ -4,8 +4,6 @@
 
 #include "ese/record_walk.h"
 
-#include <algorithm>
-
 namespace {
 
 using container = specific_table::struct_container_data;
@@ -30,22 +28,10 @@ const kept_column<entry, QString> entry_texts[] = {
 
 constexpr int secure_name_length = 8;
 
-// A damaged file chooses both the number of names and the number of columns; a real one has at most 32 of each.
-constexpr int most_repeated_names = 1 << 22;
-
-// copies times the names in a row. The records of one table share the list of the first: with one of its own, each
-// record would hold hundreds of texts.
-QStringList repeated(const QStringList& names, int copies, const QStringList& previous) {
-    if (names.isEmpty()) {
-        return {};
-    }
-    copies = qMin(copies, qMax(1, most_repeated_names / names.size()));
-    const int size = copies * names.size();
-    if (previous.size() == size && std::equal(names.cbegin(), names.cend(), previous.cbegin())) {
-        return previous;
-    }
+// copies times the names in a row.
+QStringList repeated(const QStringList& names, int copies) {
     QStringList list;
-    list.reserve(size);
+    list.reserve(copies * names.size());
     for (int copy = 0; copy < copies; ++copy) {
         list += names;
     }
@@ -91,13 +77,19 @@ void webcache_reader::get_column_name_and_type(libesedb_record_t* record, libese
                                                QStringList secure_directories) {
     const int known = list_ano_data.size();
     walk_values(record, error, list_ano_data, current_ano_data, directory, QStringList());
-    if (list_ano_data.size() == known) {
+    int visits = 0;
+    if (list_ano_data.size() == known || secure_directories.isEmpty() ||
+        libesedb_record_get_number_of_values(record, &visits, nullptr) != ese::success) {
         return;
     }
-    int visits = 0;
-    libesedb_record_get_number_of_values(record, &visits, nullptr);
-    const QStringList previous = known > 0 ? list_ano_data.at(known - 1).container_secure_directories : QStringList();
-    list_ano_data[known].container_secure_directories = repeated(secure_directories, visits, previous);
+    const int copies = qMin(visits, qMax(1, most_repeated_names / secure_directories.size()));
+    // All records of a table come with one shared list and have as many values, so this is true but for the first.
+    if (!secure_directories.isSharedWith(repeated_names) || copies != repeated_copies) {
+        repeated_names = secure_directories;
+        repeated_copies = copies;
+        repeated_list = repeated(secure_directories, copies);
+    }
+    list_ano_data[known].container_secure_directories = repeated_list;
 }
 
 void webcache_reader::get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name,

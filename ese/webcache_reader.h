@@ -20,6 +20,16 @@ public:
                                   QStringList secure_directories) override;
     void get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name, int value_index,
                            unsigned int column_type, QString directory, QStringList secure_directories) override;
+
+    // A damaged file chooses both the number of names and the number of columns; a real one has at most 32 of each.
+    // No record gets more names than this, but one copy of them all.
+    static constexpr int most_repeated_names = 1 << 22;
+
+private:
+    // The copies that the last record got, and of what, for the next one to share.
+    QStringList repeated_names;
+    int repeated_copies = 0;
+    QStringList repeated_list;
 };
 
 // The names of 8 characters that stand side by side in a container's "SecureDirectories"; none when the length of the

@@ -80,6 +80,7 @@ private Q_SLOTS:
     void entry_fields();
     void every_value_adds_the_names_again();
     void lists_of_different_containers_stay_apart();
+    void rows_without_values_have_no_names();
     void columns_are_matched_exactly();
     void readers_read_the_same();
     void keyed_chain_keeps_nothing();
@@ -216,6 +217,21 @@ void test_webcache_reader::lists_of_different_containers_stay_apart() {
         QCOMPARE(reader.list_ano_data.last().container_secure_directories, repeated(names, 25));
     }
     QCOMPARE(reader.list_ano_data.size(), 4);
+}
+
+void test_webcache_reader::rows_without_values_have_no_names() {
+    ese_column letter;
+    letter.name = "Letter";
+    letter.type = ese_type::unsigned_8;
+    write_ese(file(), {{"Container_1", {}, {{}, {}}}, {"Container_2", {letter}, {{1}, {2}}}});
+    cache reader;
+    reader.start_parsing(file(), container_1, QStringLiteral("d"), two_names);
+    reader.start_parsing(file(), QStringLiteral("Container_2"), QStringLiteral("d"), two_names);
+    QCOMPARE(reader.list_ano_data.size(), 4);
+    const int copies[] = {0, 0, 1, 1}; // one for each column
+    for (int row = 0; row < 4; ++row) {
+        QCOMPARE(reader.list_ano_data.at(row).container_secure_directories, repeated(two_names, copies[row]));
+    }
 }
 
 void test_webcache_reader::columns_are_matched_exactly() {
