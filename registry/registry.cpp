@@ -90,6 +90,9 @@ hive_node_h registry::get_user_node_handle(hive_h* hive, QString key_path, hive_
 }
 
 void registry::values_of_the_node(hive_h* hive, hive_node_h node) {
+    if (is_exhausted()) {
+        return;
+    }
     const hive_values values(hivex_node_values(hive, node));
     for (const hive_value_h* value = values.get(); value != nullptr && *value != 0; ++value) {
         if (!may_read(size_of_value(hive, *value))) {
@@ -139,6 +142,9 @@ void registry::run_only_multiple_paths(hive_h* hive, hive_node_h node) {
 
 QMap<QString, int> registry::prepare_the_node_key_child(hive_h* hive, hive_node_h node, bool visit_values) {
     QMap<QString, int> children;
+    if (is_exhausted()) {
+        return children; // hivex would build the whole list first, for every key that is still to be visited
+    }
     const hive_nodes nodes(hivex_node_children(hive, node));
     for (const hive_node_h* child = nodes.get(); child != nullptr && *child != 0; ++child) {
         if (!may_read(size_of_key(hive, *child))) {

@@ -78,6 +78,7 @@ private:
 
     // False, for the rest of the walk, once more was read than the hive can hold.
     bool may_read(size_t bytes);
+    bool is_exhausted() const { return readable_bytes < 0; }
 
     qint64 readable_bytes = unlimited; // left to this walk; steps called outside a walk have no limit
 };
