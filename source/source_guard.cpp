@@ -4,9 +4,12 @@
 
 #include <QFile>
 
+#include <climits>
 #include <cstdlib>
+#include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -26,6 +29,14 @@ source_guard::source_guard(const QString& root) {
     }
 }
 
+source_guard::~source_guard() {
+    for (const known_folder& folder : qAsConst(folders)) {
+        if (folder.handle >= 0) {
+            ::close(folder.handle);
+        }
+    }
+}
+
 bool source_guard::is_inside(const QByteArray& real_location) const {
     if (native_root.isEmpty() || real_location.isEmpty()) {
         return false;
@@ -33,14 +44,17 @@ bool source_guard::is_inside(const QByteArray& real_location) const {
     return native_root == "/" || real_location == native_root || real_location.startsWith(native_root + '/');
 }
 
-bool source_guard::is_folder_inside(const QByteArray& native_folder) {
+const source_guard::known_folder& source_guard::folder_of(const QByteArray& native_folder) {
     const auto known = folders.constFind(native_folder);
     if (known != folders.constEnd()) {
         return *known;
     }
-    const bool inside = is_inside(real_path(native_folder));
-    folders.insert(native_folder, inside);
-    return inside;
+    known_folder folder{is_inside(real_path(native_folder)), -1};
+    if (folder.is_inside && open_handles < most_open_handles) {
+        folder.handle = ::open(native_folder.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+        open_handles += folder.handle >= 0 ? 1 : 0;
+    }
+    return *folders.insert(native_folder, folder);
 }
 
 bool source_guard::exists(const QString& path) {
@@ -48,6 +62,11 @@ bool source_guard::exists(const QString& path) {
 }
 
 bool source_guard::exists(const QByteArray& native_path) {
+    // The kernel takes no longer paths; remembering their folders would let the evidence choose how much memory is
+    // taken.
+    if (native_path.size() >= PATH_MAX) {
+        return false;
+    }
     if (native_root.isEmpty() || !native_path.startsWith('/') || native_path.contains('\0')) {
         return false;
     }
@@ -56,12 +75,12 @@ bool source_guard::exists(const QByteArray& native_path) {
     if (name.isEmpty() || name == "." || name == "..") {
         return is_inside(real_path(native_path)); // a folder named with its "/": the leaf is not a plain name
     }
-    if (!is_folder_inside(native_path.left(leaf))) {
+    const known_folder& folder = folder_of(native_path.left(leaf));
+    if (!folder.is_inside) {
         return false;
     }
     struct stat status = {};
-    if (::lstat(native_path.constData(), &status) != 0) {
-        return false;
-    }
-    return !S_ISLNK(status.st_mode) || is_inside(real_path(native_path));
+    const int found = folder.handle >= 0 ? ::fstatat(folder.handle, name.constData(), &status, AT_SYMLINK_NOFOLLOW)
+                                         : ::lstat(native_path.constData(), &status);
+    return found == 0 && (!S_ISLNK(status.st_mode) || is_inside(real_path(native_path)));
 }

@@ -10,6 +10,9 @@ class source_guard {
 public:
     // root: the source root as the host gave it. An empty or missing root lets nothing through.
     explicit source_guard(const QString& root);
+    ~source_guard();
+    source_guard(const source_guard&) = delete;
+    source_guard& operator=(const source_guard&) = delete;
 
     // True when something exists at path and its real location is the root or below it. False for relative paths,
     // embedded NULs, over-long paths and links that lead out. The answer for a folder is remembered, so that many
@@ -19,9 +22,16 @@ public:
     bool exists(const QByteArray& native_path);
 
 private:
+    struct known_folder {
+        bool is_inside;
+        int handle; // of the folder, so that a look at one of its files need not walk the whole path; -1: none
+    };
+    static constexpr int most_open_handles = 32;
+
     bool is_inside(const QByteArray& real_path) const;
-    bool is_folder_inside(const QByteArray& native_folder);
+    const known_folder& folder_of(const QByteArray& native_folder);
 
     QByteArray native_root; // real path, without a trailing "/" (but for "/" itself)
-    QHash<QByteArray, bool> folders;
+    QHash<QByteArray, known_folder> folders;
+    int open_handles = 0;
 };
