@@ -77,9 +77,6 @@ bool webcache_walk::read_file(specific_table& reader, const QString& file) {
         return false;
     }
     for (const specific_table::struct_container_data& container : qAsConst(selected)) {
-        if (run.cancelled()) {
-            return false;
-        }
         reader.start_parsing(file, QStringLiteral("Container_") + container.container_id, container.directory,
                              container.secure_directories);
         write_records(reader);

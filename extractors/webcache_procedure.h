@@ -70,11 +70,10 @@ public:
     void get_column_name_and_type(libesedb_record_t* record, libesedb_error_t* error, QString directory,
                                   QStringList secure_directories) override {
         const int known = this->list_ano_data.size();
-        if (!walk.is_stopped()) {
-            Reader::get_column_name_and_type(record, error, directory, secure_directories);
-        }
+        Reader::get_column_name_and_type(record, error, directory, secure_directories);
         if (this->list_ano_data.size() > known) {
             walk.record_read(*this);
+            this->walk_stopped = walk.is_stopped();
         }
     }
 
