@@ -199,7 +199,6 @@ void test_read_failures::failed_value() {
     QCOMPARE(reader.records.size(), 6);
     QCOMPARE(reader.records.at(0).value(column), before);
     QCOMPARE(reader.records.at(3).value(column), text);
-    QVERIFY(!reader.records.at(3).value(column).isNull() || text.isEmpty());
 }
 
 void test_read_failures::record_without_values_is_kept_empty() {

@@ -138,6 +138,8 @@ private Q_SLOTS:
     void each_type_gives_its_text();
     void damaged_text_invents_nothing_data();
     void damaged_text_invents_nothing();
+    void super_large_values_are_texts_data();
+    void super_large_values_are_texts();
     void other_type_numbers_give_the_raw_bytes();
 
 private:
@@ -196,6 +198,20 @@ void test_record_type_case::damaged_text_invents_nothing() {
     QFETCH(QByteArray, text);
     QCOMPARE(read_back(ese_type::text, ese_code_page::utf_16, raw(bytes)), text);
     QCOMPARE(read_back(ese_type::large_text, ese_code_page::utf_16, in_record(raw(bytes))), text);
+}
+
+void test_record_type_case::super_large_values_are_texts_data() {
+    QTest::addColumn<ese_value>("value");
+    const ese_value text("Grüße 🥨");
+    QTest::newRow("in the record") << in_record(text);
+    QTest::newRow("long value") << long_value(text);
+}
+
+// By the type's number only: libesedb reads no record of a table with such a column.
+void test_record_type_case::super_large_values_are_texts() {
+    QFETCH(ese_value, value);
+    constexpr int super_large = 13;
+    QCOMPARE(read_back(ese_type::large_text, ese_code_page::utf_16, value, super_large), QByteArray("Grüße 🥨"));
 }
 
 void test_record_type_case::other_type_numbers_give_the_raw_bytes() {

@@ -29,18 +29,28 @@ struct step_case {
     const char* ended;
     const char* opening_failed;
     const char* insert_failed;
+    const char* statement; // as Qt's driver executes it, with names for the question marks
 };
 
 const step_case steps[] = {
     {"time_reminders", &cortana_winos::extract_timetriggers, "cortana_winos::extract_timetriggers:-- ",
      "[extract_timetriggers] ----- STARTS ------", "[extract_timetriggers] ----- ENDS ------",
-     "[extract_timetriggers]Destination Db opening ---FAILED--- ", "--------INSERTION Query ----FAILED------ "},
+     "[extract_timetriggers]Destination Db opening ---FAILED--- ", "--------INSERTION Query ----FAILED------ ",
+     "INSERT INTO time_reminders(bookmark,system_user,domain_user,title,text,creation_time,last_update_time,"
+     "last_access_time,completion_time,date_time,last_trigger_time,source_file, os_scheme_display,source_count_name) "
+     "VALUES(0,:a,:bb,:bc,:bd,:be,:bf,:bg,:bh,:bi,:bj,:bk,:bl,:bm)"},
     {"place_reminders", &cortana_winos::extract_place_reminders, "cortana_winos::extract_place_reminders:-- ",
      "[extract_place_reminders] ----- Starts ------", "[extract_place_reminders] ----- ENDS ------",
-     "[extract_place_reminders]Destination Db opening ---FAILED--- ", " --------INSERTION Query ----FAILED------"},
+     "[extract_place_reminders]Destination Db opening ---FAILED--- ", " --------INSERTION Query ----FAILED------",
+     "INSERT INTO place_reminders(bookmark,system_user,domain_user,title,text,place,latitude,longitude,map_url,radius,"
+     "creation_time,last_update_time,last_access_time,completion_time,start_date_time,source_file,os_scheme_display,"
+     "source_count_name) VALUES(0,:a,:bb,:bc,:bd,:be,:bf,:bg,:bh,:bi,:bj,:bk,:bl,:bm,:bn,:bo,:bp,:cba)"},
     {"contact_triggers", &cortana_winos::extract_contact_triggers, "cortana_winos::extract_contact_triggers:-- ",
      "[extract_contact_triggers] ----- STARTS ------", "[extract_contact_triggers] ----- ENDS ------",
-     "[extract_contact_triggers]Destination Db opening ---FAILED--- ", "--------INSERTION Query ----FAILED------"},
+     "[extract_contact_triggers]Destination Db opening ---FAILED--- ", "--------INSERTION Query ----FAILED------",
+     "INSERT INTO contact_triggers(bookmark,system_user,domain_user,contact_name,title,text,creation_time,"
+     "last_update_time,last_access_time,completion_time,source_file,os_scheme_display,source_count_name) "
+     "VALUES(0,:a,:bb,:bc,:bd,:be,:bf,:bg,:bh,:bi,:bj,:bk,:bl)"},
 };
 
 void add_steps() {
@@ -130,21 +140,17 @@ void test_reminders::log_lines() {
     write_core(core_path(test_case, anna), one_of_each_kind());
     QCOMPARE(log_of_step(), good);
 
-    test_case.execute(QStringLiteral("drop table %1").arg(QLatin1String(tested.table)));
-    const QStringList failed = log_of_step();
-    QCOMPARE(failed.size(), 5);
-    QCOMPARE(failed.at(0), line(tested, tested.started));
-    QCOMPARE(failed.at(1), line(tested, tested.insert_failed, QStringLiteral("RESULT/Cortana.sqlite")));
-    QVERIFY(failed.at(2).startsWith(
-        line(tested, "Error :- ", QStringLiteral("no such table: ") + QLatin1String(tested.table))));
-    QVERIFY(failed.at(3).startsWith(line(tested, "Query :- ")));
-    QCOMPARE(failed.at(4), line(tested, tested.ended));
+    const QString table = QLatin1String(tested.table);
+    test_case.execute(QStringLiteral("drop table %1").arg(table));
+    QCOMPARE(
+        log_of_step(),
+        QStringList({good.at(0), line(tested, tested.insert_failed, QStringLiteral("RESULT/Cortana.sqlite")),
+                     line(tested, "Error :- no such table: ", table + QLatin1String(" Unable to execute statement")),
+                     line(tested, "Query :- ", QLatin1String(tested.statement)), good.at(1)}));
 
     front->winos_set_destination_location(test_case.result_dir(), QString(), test_case.result_dir());
-    const QStringList unopened = log_of_step();
-    QCOMPARE(unopened.size(), 3);
-    QCOMPARE(unopened.at(1), line(tested, tested.opening_failed, QStringLiteral("RESULT/")));
-    QVERIFY(unopened.at(2).startsWith(line(tested, "unable to open database file")));
+    QCOMPARE(log_of_step(), QStringList({good.at(0), line(tested, tested.opening_failed, QStringLiteral("RESULT/")),
+                                         line(tested, "unable to open database file Error opening database")}));
 }
 
 void test_reminders::earlier_profiles_are_written_again() {

@@ -85,6 +85,8 @@ private Q_SLOTS:
     void containers_are_selected_data() { add_tables(); }
     void containers_are_selected();
     void values_are_typed();
+    void absent_numbers_are_empty_texts();
+    void database_outside_the_source_is_named_whole();
     void unusable_files_are_passed_silently();
     void records_before_an_unreadable_one_are_written();
     void cancel_keeps_the_rows_so_far_data();
@@ -168,6 +170,35 @@ void test_webcache::values_are_typed() {
                                          "creation_timestamp=integer:0 | expiration_timestamp=integer:0 | "
                                          "modification_timestamp=integer:0 | last_accessed_timestamp=integer:0 | "
                                          "notes=null:")}));
+}
+
+void test_webcache::absent_numbers_are_empty_texts() {
+    test_case_folder folder;
+    const QString path = folder.root() + QStringLiteral("WebCacheV01.dat");
+    std::vector<ese_column> columns = webcache_entry_columns();
+    for (ese_column& column : columns) {
+        column.name += column.name == "FileSize" || column.name == "AccessCount" ? "Elsewhere" : "";
+    }
+    ese_writer file(QFile::encodeName(path).constData());
+    write_webcache_containers(file, {{1, "Content", R"(C:\Cortana\)", ""}});
+    file.begin_table("Container_1", columns);
+    file.add_row(webcache_entry_row({"a.js", "url", 0, 123, 4}, 1, 1));
+    file.end_table();
+    file.close();
+    extract_until(9, folder, {path});
+    QCOMPARE(folder.dump(QStringLiteral("cache_files"),
+                         {QStringLiteral("url"), QStringLiteral("file_size"), QStringLiteral("access_count")}),
+             QStringList(QStringLiteral("url=text:url | file_size=text: | access_count=text:")));
+}
+
+// The root's text within its path stays there too.
+void test_webcache::database_outside_the_source_is_named_whole() {
+    test_case_folder folder;
+    const QString path = folder.result_dir() + folder.root().mid(1) + QStringLiteral("WebCacheV01.dat");
+    write_database(path, {cortana("Content", {{"a.js", "url"}})});
+    extract_until(9, folder, {path});
+    QCOMPARE(column_of(QStringLiteral("cache_files"), QStringLiteral("source_file"), folder),
+             QStringLiteral("text:") + path);
 }
 
 void test_webcache::unusable_files_are_passed_silently() {
@@ -270,10 +301,16 @@ void test_webcache::cancelled_before_it_starts() {
     front->find_source_file();
     folder.take_log();
     front->winos_cancel_extraction();
+    const QString started = QLatin1String(tables[table].function) + QStringLiteral(":-- ") +
+                            QLatin1String(tables[table].tag) + QStringLiteral(" ----- STARTS ------");
     (front.get()->*tables[table].extract)();
     QCOMPARE(folder.dump(QLatin1String(tables[table].name)), QStringList());
-    QCOMPARE(folder.take_log(), QStringList(QLatin1String(tables[table].function) + QStringLiteral(":-- ") +
-                                            QLatin1String(tables[table].tag) + QStringLiteral(" ----- STARTS ------")));
+    QCOMPARE(folder.take_log(), QStringList(started));
+
+    // Without containers only the look before each file is left to see it.
+    folder.write_file(database_of(folder, anna).mid(folder.root().size()), "no database");
+    (front.get()->*tables[table].extract)();
+    QCOMPARE(folder.take_log(), QStringList(started));
 }
 
 void test_webcache::log_of_failures() {
