@@ -55,10 +55,14 @@ QString display_path(const QString& path, const QString& root) {
 }
 
 file_times times_of(const walk_entry& entry, const readable_alias& file, const QString& root) {
+    const QString relative = entry.path.mid(root.size());
+    if (!relative.isEmpty() && relative.back().isSpace()) {
+        return {}; // the look-up would trim the name and might find another file's times
+    }
     if (!file.is_own_path()) {
         return plugin_static_function::get_posix_timestamp(file.path().mid(1), QStringLiteral("/"));
     }
-    return plugin_static_function::get_posix_timestamp(entry.path.mid(root.size()), root);
+    return plugin_static_function::get_posix_timestamp(relative, root);
 }
 
 audio_row row_of(const walk_entry& entry, const row_origin& origin, const QString& root) {
@@ -81,12 +85,15 @@ row_origin origin_of_folder(const QString& folder, const step_context& context) 
 
 // False when cancelled.
 bool list_folder(const QString& folder, step_run& run, source_guard& guard) {
+    if (!guard.exists(folder)) {
+        return true;
+    }
     const row_origin origin = origin_of_folder(folder, run.context);
     return walk_directory(folder, [&](const walk_entry& entry) {
         if (run.cancelled()) {
             return false;
         }
-        if (entry.is_regular_file && guard.exists(entry.native_path)) {
+        if (leads_to_regular_file(entry, guard)) { // not asked whether it is still there: its row tells
             run.insert(bound_values(columns, row_of(entry, origin, run.context.fs_extraction_source_path)));
         }
         return true;

@@ -5,8 +5,10 @@
 #include "extractors/step_run.h"
 #include "plugin/cortana_winos.h"
 #include "source/directory_walk.h"
+#include "source/quiet_open.h"
 #include "source/source_guard.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <limits>
 #include <new>
@@ -59,7 +61,7 @@ const bindings<graph_row> columns = {
 class open_file {
 public:
     explicit open_file(const QByteArray& native_path)
-        : handle(::open(native_path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {}
+        : handle(open_quietly(native_path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {}
     ~open_file() {
         if (handle >= 0) {
             ::close(handle);
@@ -77,6 +79,9 @@ public:
     bool read(char* to, qint64 count) const {
         while (count > 0) {
             const ssize_t got = ::read(handle, to, static_cast<std::size_t>(count));
+            if (got < 0 && errno == EINTR) {
+                continue;
+            }
             if (got <= 0) {
                 return false;
             }
@@ -126,7 +131,7 @@ bool read_folder(const QString& folder, step_run& run, source_guard& guard) {
         if (run.cancelled()) {
             return false;
         }
-        if (!entry.is_regular_file || !entry.native_path.endsWith("ttl")) {
+        if (!entry.native_path.endsWith("ttl") || !leads_to_regular_file(entry, guard)) {
             return true;
         }
         const std::optional<QByteArray> content =

@@ -2,50 +2,73 @@
 // An explicit stack of open folders' remaining names, so that the evidence's depth does not become ours.
 #include "source/directory_walk.h"
 
+#include "source/quiet_open.h"
+#include "source/source_guard.h"
+
 #include <QFile>
-#include <QVector>
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 #include <dirent.h>
 #include <memory>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
 
+struct listed_name {
+    QByteArray name;
+    mode_t type; // as S_ISREG() and its like take it; 0 when it cannot be told
+};
+
 // The names in one folder, sorted so that the next one is at the end.
 struct open_folder {
     QByteArray path; // ends in "/"
-    std::vector<QByteArray> remaining;
+    std::vector<listed_name> remaining;
 };
 
+struct close_folder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+using folder_handle = std::unique_ptr<DIR, close_folder>;
+
+folder_handle open_for_listing(const QByteArray& path) {
+    const int descriptor = open_quietly(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return nullptr;
+    }
+    folder_handle folder(::fdopendir(descriptor));
+    if (!folder) {
+        ::close(descriptor);
+    }
+    return folder;
+}
+
+// Some file systems do not tell the type with the name.
+mode_t type_of(DIR* folder, const dirent& entry) {
+    if (entry.d_type != DT_UNKNOWN) {
+        return static_cast<mode_t>(DTTOIF(entry.d_type));
+    }
+    struct stat status = {};
+    return ::fstatat(::dirfd(folder), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 ? status.st_mode : 0;
+}
+
 open_folder list_folder(const QByteArray& path) {
-    struct close_folder {
-        void operator()(DIR* folder) const { ::closedir(folder); }
-    };
     open_folder listed{path, {}};
-    const std::unique_ptr<DIR, close_folder> folder(::opendir(path.constData()));
+    const folder_handle folder = open_for_listing(path);
     if (!folder) {
         return listed;
     }
     while (const dirent* entry = ::readdir(folder.get())) {
         if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
-            listed.remaining.emplace_back(entry->d_name);
+            listed.remaining.push_back({entry->d_name, type_of(folder.get(), *entry)});
         }
     }
-    std::sort(listed.remaining.rbegin(), listed.remaining.rend());
+    std::sort(listed.remaining.begin(), listed.remaining.end(),
+              [](const listed_name& left, const listed_name& right) { return right.name < left.name; });
     return listed;
-}
-
-bool is_regular_file(const QByteArray& path) {
-    struct stat status = {};
-    return ::stat(path.constData(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
-bool is_real_folder(const QByteArray& path) {
-    struct stat status = {};
-    return ::lstat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 bool walk(const QString& folder, bool into_folders, const std::function<bool(const walk_entry&)>& visit) {
@@ -62,12 +85,16 @@ bool walk(const QString& folder, bool into_folders, const std::function<bool(con
             folders.pop_back();
             continue;
         }
-        const QByteArray path = folders.back().path + folders.back().remaining.back();
+        const listed_name next = std::move(folders.back().remaining.back());
         folders.back().remaining.pop_back();
-        if (!visit({QFile::decodeName(path), path, is_regular_file(path)})) {
+        const QByteArray path = folders.back().path + next.name;
+        if (path.size() >= PATH_MAX) {
+            continue;
+        }
+        if (!visit({QFile::decodeName(path), path, S_ISREG(next.type), S_ISLNK(next.type)})) {
             return false;
         }
-        if (into_folders && is_real_folder(path)) {
+        if (into_folders && S_ISDIR(next.type)) {
             folders.push_back(list_folder(path + '/'));
         }
     }
@@ -82,4 +109,13 @@ bool walk_directory(const QString& folder, const std::function<bool(const walk_e
 
 bool walk_entries_in(const QString& folder, const std::function<bool(const walk_entry&)>& visit) {
     return walk(folder, false, visit);
+}
+
+bool leads_to_regular_file(const walk_entry& entry, source_guard& guard) {
+    if (!entry.is_link) {
+        return entry.is_regular_file;
+    }
+    struct stat status = {};
+    return guard.exists(entry.native_path) && ::stat(entry.native_path.constData(), &status) == 0 &&
+           S_ISREG(status.st_mode);
 }

@@ -7,8 +7,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-readable_alias::readable_alias(const walk_entry& entry) : name(entry.path) {
-    if (QFile::encodeName(entry.path) == entry.native_path) {
+readable_alias::readable_alias(const walk_entry& entry)
+    : is_faithful(QFile::encodeName(entry.path) == entry.native_path), name(QStringLiteral("")) {
+    if (is_faithful) {
+        name = entry.path;
         return;
     }
     handle = ::open(entry.native_path.constData(), O_PATH | O_CLOEXEC);

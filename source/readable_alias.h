@@ -15,11 +15,12 @@ public:
     readable_alias& operator=(const readable_alias&) = delete;
 
     // The entry's own path when its text is faithful, else a path below /proc that leads to the same file as long as
-    // this object lives.
+    // this object lives; "" when there is none (the file is gone): the unfaithful text might name another file.
     const QString& path() const { return name; }
-    bool is_own_path() const { return handle < 0; }
+    bool is_own_path() const { return is_faithful; }
 
 private:
+    bool is_faithful;
     int handle = -1;
     QString name;
 };

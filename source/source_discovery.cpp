@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Finds the files that the extractors read: a fixed set of places in every user profile of the source.
 #include "common/plugin_static_function.h"
+#include "common/text_decoding.h"
 #include "plugin/cortana_winos.h"
 #include "source/directory_walk.h"
 #include "source/source_guard.h"
@@ -28,7 +29,7 @@ void add_existing(const QString& folder, const place& wanted, source_guard& guar
 void cortana_winos::winos_set_source_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source_info) {
     fs_extraction_source_path = source_info.fs_extraction_source_path;
     source_path_2 = source_info.source_path_2;
-    os_scheme_display = source_info.os_scheme_display;
+    os_scheme_display = never_null(source_info.os_scheme_display); // written into rows
     user_name_list.clear();
     for (const auto& account : qAsConst(source_info.system_account_QList)) {
         user_name_list << account.system_user << account.domain_user;

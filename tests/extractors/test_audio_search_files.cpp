@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // latest_audio_search from real folders: every column typed, odd names, links, cancel, the exact log.
-#include "common/plugin_static_function.h"
 #include "tests/support/test_support.h"
 
 #include <QDir>
@@ -80,12 +79,38 @@ private Q_SLOTS:
             QVERIFY2(rows.contains(row), qPrintable(row));
         }
         QVERIFY(rows.contains(QStringLiteral("file_name=text:bad\uFFFD\uFFFD.wav | file_size=integer:77")));
-        // Times are there for the undecodable name too; a name that ends in a blank has zeros.
+        // Times are there for the undecodable name too.
         const QStringList times = folder.dump(QStringLiteral("latest_audio_search"),
                                               {QStringLiteral("file_name"), QStringLiteral("modification_time")});
         QVERIFY(times.contains(
             QStringLiteral("file_name=text:bad\uFFFD\uFFFD.wav | modification_time=integer:1500000000")));
-        QVERIFY(times.contains(QStringLiteral("file_name=text:blank at the end  | modification_time=integer:0")));
+    }
+
+    // A name that ends in white space has zeros, never the times of the file that is called so without it.
+    void white_space_at_the_end() {
+        test_case_folder folder;
+        for (const char* name : {"a.wav", "a.wav ", "a.wav\n", "b.wav\xc2\xa0"}) {
+            add_file(folder, QString::fromUtf8(name), 1);
+        }
+        auto front = ready_front(folder);
+        front->extract_audio_search_files();
+        const QStringList rows = folder.dump(QStringLiteral("latest_audio_search"),
+                                             {QStringLiteral("modification_time"), QStringLiteral("last_access_time")});
+        const QString zeros = QStringLiteral("modification_time=integer:0 | last_access_time=integer:0");
+        QCOMPARE(rows.size(), 4);
+        QCOMPARE(rows.first(),
+                 QStringLiteral("modification_time=integer:1500000000 | last_access_time=integer:1589192430"));
+        QCOMPARE(rows.mid(1), QStringList({zeros, zeros, zeros}));
+    }
+
+    void empty_folder() {
+        test_case_folder folder;
+        QDir().mkpath(speech(folder) + QStringLiteral("empty too"));
+        auto front = ready_front(folder);
+        QCOMPARE(front->found_speech_dirs().size(), 1);
+        front->extract_audio_search_files();
+        QCOMPARE(names(folder), QStringList());
+        QCOMPARE(folder.take_log().filter(QStringLiteral("-----ENDS------")).size(), 1);
     }
 
     void links_and_other_entries() {
@@ -119,7 +144,56 @@ private Q_SLOTS:
         QCOMPARE(records.first().first().toLongLong(), qint64(41));
     }
 
-    void cancelled_keeps_rows_and_logs_no_end() {
+    // The second file's failure is told; then the host cancels, or the third file goes.
+    static void refuse_second(const test_case_folder& folder) {
+        for (const char* name : {"a.wav", "b.wav", "c.wav"}) {
+            add_file(folder, QLatin1String(name), 1);
+        }
+        folder.execute(QStringLiteral("create trigger refuse before insert on latest_audio_search when "
+                                      "new.file_name = 'b.wav' begin select raise(fail, 'no'); end"));
+    }
+
+    void cancelled_during_the_walk() {
+        test_case_folder folder;
+        refuse_second(folder);
+        auto front = ready_front(folder);
+        folder.take_log();
+        const at_failure_line cancel([&front] { front->winos_cancel_extraction(); });
+        front->extract_audio_search_files();
+        QCOMPARE(names(folder), QStringList(QStringLiteral("file_name=text:a.wav | file_size=integer:1")));
+        const QStringList log = folder.take_log();
+        QCOMPARE(log.size(), 4); // the start and the failure
+        QCOMPARE(log.filter(QStringLiteral("ENDS")), QStringList());
+    }
+
+    void vanished_during_the_walk() {
+        test_case_folder folder;
+        refuse_second(folder);
+        add_file(folder, QStringLiteral("x"), 1);
+        const QByteArray undecodable = QFile::encodeName(speech(folder)) + "d\xff.wav";
+        QCOMPARE(::rename(QFile::encodeName(speech(folder) + QLatin1Char('x')).constData(), undecodable.constData()),
+                 0);
+        // What the undecodable name looks like as text is the name of another file, whose values are not its own.
+        add_file(folder, QStringLiteral("d\uFFFD.wav"), 2);
+        auto front = ready_front(folder);
+        const at_failure_line vanish([&] {
+            QFile::remove(speech(folder) + QStringLiteral("c.wav"));
+            ::unlink(undecodable.constData());
+        });
+        front->extract_audio_search_files();
+        const QStringList rows =
+            folder.dump(QStringLiteral("latest_audio_search"),
+                        {QStringLiteral("file_name"), QStringLiteral("file_size"), QStringLiteral("creation_time"),
+                         QStringLiteral("modification_time"), QStringLiteral("last_access_time")});
+        const QString nothing = QStringLiteral(" | file_size=text: | creation_time=integer:0 | "
+                                               "modification_time=integer:0 | last_access_time=integer:0");
+        QCOMPARE(rows.size(), 4);
+        QCOMPARE(rows.at(1), QStringLiteral("file_name=text:c.wav") + nothing);
+        QCOMPARE(rows.filter(nothing).size(), 2);
+        QCOMPARE(rows.filter(QStringLiteral("file_name=text:d\uFFFD.wav")).size(), 2);
+    }
+
+    void cancelled_before() {
         test_case_folder folder;
         add_file(folder, QStringLiteral("a.wav"), 1);
         auto front = ready_front(folder);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // graphed_cache from real folders: every column typed, which files are read, unreadable files, cancel, the exact log.
-#include "common/plugin_static_function.h"
 #include "evidence/sample_source.h"
 #include "tests/support/test_support.h"
 
@@ -8,6 +7,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,13 +33,6 @@ class test_graph_files : public QObject {
     }
     static QString line(const char* message) {
         return QStringLiteral("cortana_winos::extract_graph_search_files:-- ") + QString::fromLatin1(message);
-    }
-
-    static cortana_winos* cancelled_by_line;
-    static void cancel_at_failure(QtMsgType, const QMessageLogContext&, const QString& message) {
-        if (message.contains(QLatin1String("FAILED")) || message.contains(QLatin1String("Unable to open"))) {
-            cancelled_by_line->winos_cancel_extraction();
-        }
     }
 
 private Q_SLOTS:
@@ -91,8 +84,9 @@ private Q_SLOTS:
         QCOMPARE(::symlink(QFile::encodeName(folder.root() + QStringLiteral("../outside.ttl")).constData(),
                            (base + "b-outside.ttl").constData()),
                  0);
+        // A link out of the source is no file of it, like one that leads nowhere.
         QStringList wanted = {line("[extract_graph_search_files] ----- STARTS ------"),
-                              line("Unable to open file in graph cache"), line("Unable to open file in graph cache"),
+                              line("Unable to open file in graph cache"),
                               line("[extract_graph_search_files] ----- ENDS ------")};
         if (::geteuid() != 0) { // who may read everything cannot be refused
             add_file(folder, QStringLiteral("c-forbidden.ttl"), entity("forbidden"));
@@ -105,6 +99,32 @@ private Q_SLOTS:
         QCOMPARE(folder.take_log(), wanted);
     }
 
+    void access_times_stay() {
+        test_case_folder folder;
+        add_file(folder, QStringLiteral("a.ttl"), entity("A"));
+        const QByteArray path = QFile::encodeName(graph(folder) + QStringLiteral("a.ttl"));
+        const timespec old_access[] = {{1000000000, 0}, {1500000000, 0}}; // older than the change: would be renewed
+        QCOMPARE(::utimensat(AT_FDCWD, path.constData(), old_access, 0), 0);
+        ready_front(folder)->extract_graph_search_files();
+        QCOMPARE(contents(folder), QStringList{QStringLiteral("A")});
+        struct stat status = {};
+        QCOMPARE(::stat(path.constData(), &status), 0);
+        QCOMPARE(qint64(status.st_atim.tv_sec), qint64(1000000000));
+    }
+
+    // A file that goes while the step runs is told like one that cannot be opened.
+    void vanished_during_the_walk() {
+        test_case_folder folder;
+        add_file(folder, QStringLiteral("a.ttl"), entity("refused"));
+        add_file(folder, QStringLiteral("b.ttl"), entity("B"));
+        folder.execute(QStringLiteral("create trigger refuse before insert on graphed_cache begin "
+                                      "select raise(fail, 'no'); end"));
+        auto front = ready_front(folder);
+        const at_failure_line vanish([&folder] { QFile::remove(graph(folder) + QStringLiteral("b.ttl")); });
+        front->extract_graph_search_files();
+        QCOMPARE(folder.take_log().filter(QStringLiteral("Unable to open file in graph cache")).size(), 1);
+    }
+
     // The folder was found under one spelling of the root and is read under another that the paths do not begin with.
     void folder_whose_path_is_outside_the_root() {
         test_case_folder folder;
@@ -114,8 +134,11 @@ private Q_SLOTS:
         other.fs_extraction_source_path = folder.root() + QStringLiteral("./");
         front->winos_set_source_info(other);
         front->extract_graph_search_files();
-        QCOMPARE(folder.dump(QStringLiteral("graphed_cache"), {QStringLiteral("source_file")}),
-                 QStringList{QStringLiteral("source_file=text:") + graph(folder) + QStringLiteral("a.ttl")});
+        // The record's null text is written as ''.
+        QCOMPARE(folder.dump(QStringLiteral("graphed_cache"),
+                             {QStringLiteral("source_file"), QStringLiteral("os_scheme_display")}),
+                 QStringList{QStringLiteral("source_file=text:") + graph(folder) +
+                             QStringLiteral("a.ttl | os_scheme_display=text:")});
     }
 
     // A failure's line on the terminal makes the host cancel: what was written stays, nothing follows.
@@ -141,11 +164,8 @@ private Q_SLOTS:
             QCOMPARE(::truncate(large.constData(), off_t(5) << 30), 0);
         }
         auto front = ready_front(folder);
-        cancelled_by_line = front.get();
-        plugin_static_function::debug_print_on_terminal_bool = true;
-        const QtMessageHandler before = qInstallMessageHandler(cancel_at_failure);
+        const at_failure_line cancel([&front] { front->winos_cancel_extraction(); });
         front->extract_graph_search_files();
-        qInstallMessageHandler(before);
         QCOMPARE(contents(folder), QStringList{QStringLiteral("A")});
         const QStringList log = folder.take_log();
         QCOMPARE(log.first(), line("[extract_graph_search_files] ----- STARTS ------"));
@@ -164,8 +184,6 @@ private Q_SLOTS:
         QVERIFY(matches_golden(folder.take_log(), QStringLiteral(GOLDEN_DIR "/graph_failures_log.txt")));
     }
 };
-
-cortana_winos* test_graph_files::cancelled_by_line = nullptr;
 
 QTEST_MAIN(test_graph_files)
 #include "test_graph_files.moc"

@@ -114,8 +114,10 @@ private Q_SLOTS:
     }
 
     void unusable_roots() {
-        for (const char* root : {"", "Users", "/no/such/folder/"}) {
-            test_case_folder folder;
+        test_case_folder folder;
+        add_whole_profile(folder, QStringLiteral("anna"));
+        QVERIFY(QDir::setCurrent(folder.root())); // where relative paths would find the profile
+        for (const char* root : {"", "./", "Users", "/no/such/folder/"}) {
             auto front = folder.make_front();
             struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
             source.fs_extraction_source_path = QLatin1String(root);
@@ -124,8 +126,7 @@ private Q_SLOTS:
             front->find_source_file();
             QCOMPARE(all_found(*front), QStringList());
         }
-        test_case_folder folder;
-        add_whole_profile(folder, QStringLiteral("anna"));
+        QVERIFY(QDir::setCurrent(QStringLiteral("/")));
         auto front = folder.make_front();
         struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
         source.fs_extraction_source_path = folder.root().chopped(1); // no "/" at its end: glued to "Users/"

@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QtTest>
 
+#include <climits>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,7 +21,8 @@ class test_source_guard : public QObject {
     QStringList walked(const QString& below, bool deep = true) const {
         QStringList names;
         const auto visit = [&](const walk_entry& entry) {
-            names << entry.path.mid(base().size()) + (entry.is_regular_file ? QString() : QStringLiteral(" -"));
+            const char* kind = entry.is_regular_file ? "" : entry.is_link ? " @" : " -";
+            names << entry.path.mid(base().size()) + QLatin1String(kind);
             return true;
         };
         deep ? walk_directory(base() + below, visit) : walk_entries_in(base() + below, visit);
@@ -92,12 +95,57 @@ private Q_SLOTS:
         QCOMPARE(
             walked(QStringLiteral("in")),
             QStringList({QStringLiteral("in/.hidden -"), QStringLiteral("in/.hidden/b"),
-                         QStringLiteral("in/dangling -"), QStringLiteral("in/file"), QStringLiteral("in/loop -"),
-                         QStringLiteral("in/pipe -"), QStringLiteral("in/to_file"), QStringLiteral("in/to_outside -"),
-                         QStringLiteral("in/to_secret"), QStringLiteral("in/up -")}));
+                         QStringLiteral("in/dangling @"), QStringLiteral("in/file"), QStringLiteral("in/loop @"),
+                         QStringLiteral("in/pipe -"), QStringLiteral("in/to_file @"), QStringLiteral("in/to_outside @"),
+                         QStringLiteral("in/to_secret @"), QStringLiteral("in/up @")}));
         QCOMPARE(walked(QStringLiteral("in/"), false).size(), 9);
         QCOMPARE(walked(QStringLiteral("none")), QStringList());
         QVERIFY(walk_directory(QString(), [](const walk_entry&) { return false; })); // nothing visited
+    }
+
+    void links_count_as_what_they_lead_to_inside() {
+        source_guard guard(base());
+        QStringList files;
+        walk_directory(base() + QStringLiteral("in"), [&](const walk_entry& entry) {
+            if (leads_to_regular_file(entry, guard)) {
+                files << entry.path.mid(base().size());
+            }
+            return true;
+        });
+        QCOMPARE(files, QStringList(
+                            {QStringLiteral("in/.hidden/b"), QStringLiteral("in/file"), QStringLiteral("in/to_file")}));
+    }
+
+    void walk_leaves_access_times_alone() {
+        folder.write_file(QStringLiteral("g/times/file"), "x");
+        const QByteArray path = QFile::encodeName(base()) + "times";
+        const timespec old_access[] = {{1000000000, 0}, {1500000000, 0}}; // older than the change: would be renewed
+        QCOMPARE(::utimensat(AT_FDCWD, path.constData(), old_access, 0), 0);
+        QCOMPARE(walked(QStringLiteral("times")), QStringList(QStringLiteral("times/file")));
+        struct stat status = {};
+        QCOMPARE(::stat(path.constData(), &status), 0);
+        QCOMPARE(qint64(status.st_atim.tv_sec), qint64(1000000000));
+    }
+
+    void walk_leaves_out_paths_that_are_too_long() {
+        const QByteArray name(200, 'd');
+        QByteArray deepest = QFile::encodeName(base()) + "long";
+        QCOMPARE(::mkdir(deepest.constData(), 0700), 0);
+        int levels = 0;
+        for (; deepest.size() + 2 * name.size() < PATH_MAX; ++levels) {
+            deepest += '/' + name;
+            QCOMPARE(::mkdir(deepest.constData(), 0700), 0);
+        }
+        const QByteArray longest_name(255, 'f');
+        QVERIFY(deepest.size() + longest_name.size() > PATH_MAX);
+        const int handle = ::open(deepest.constData(), O_RDONLY | O_DIRECTORY);
+        ::close(::openat(handle, "short", O_CREAT | O_WRONLY, 0600));
+        ::close(::openat(handle, longest_name.constData(), O_CREAT | O_WRONLY, 0600));
+        const QStringList names = walked(QStringLiteral("long"));
+        QCOMPARE(::unlinkat(handle, longest_name.constData(), 0), 0); // no path could name it
+        ::close(handle);
+        QCOMPARE(names.size(), levels + 1);
+        QVERIFY(names.last().endsWith(QStringLiteral("/short")));
     }
 
     void walk_stops_when_told() {
