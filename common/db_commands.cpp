@@ -25,6 +25,12 @@ bool run(QSqlQuery& query, const QString& command, const optional_values& values
     return query.exec();
 }
 
+// For lists: forward only, so that the driver keeps one row at a time and not all of them.
+bool run_list(QSqlQuery& query, const QString& command, const optional_values& values) {
+    query.setForwardOnly(true);
+    return run(query, command, values);
+}
+
 // Replaces any connection of that name; the result may be closed (the file did not open).
 QSqlDatabase open_database(const QString& path, const QString& connection_name) {
     if (QSqlDatabase::contains(connection_name)) {
@@ -115,7 +121,7 @@ QStringList list_by_reference(const call& who, const QString& command, const opt
                               QSqlDatabase& database) {
     who.log(" Start ");
     QSqlQuery query(database);
-    if (!run(query, command, values)) {
+    if (!run_list(query, command, values)) {
         who.log_failure(list_by_reference_failed, database.databaseName(), command, query.lastError().text());
         return {};
     }
@@ -135,7 +141,7 @@ QStringList list_by_path(const call& who, const QString& command, const optional
             who.log("Destination Db opening --------FAILED------ ", path);
         } else {
             QSqlQuery query(database);
-            if (run(query, command, values)) {
+            if (run_list(query, command, values)) {
                 list = column_of_all_rows(query, column);
                 who.log(end_text);
             } else {
@@ -227,7 +233,7 @@ bool plugin_static_function::check_value_existence_in_db_by_dbreference(QString 
                                   "(QString, int, QString, QSqlDatabase)"),
                    QString()};
     QSqlQuery query(database);
-    if (!run(query, command, std::nullopt)) {
+    if (!run_list(query, command, std::nullopt)) {
         // Deliberate: these three say by_dbpath; readers of the log search for them as they are.
         who.log("[check_value_existence_in_db_by_dbpath] query --------FAILED------", database.connectionName());
         who.log("[check_value_existence_in_db_by_dbpath]command", command);

@@ -39,7 +39,8 @@ bool take_integrity_block(QByteArray& data, int size, QByteArray (*compute)(cons
     return compute(data) == stored;
 }
 
-// False when the length that the data claims cannot be true: a forged one must not make us allocate gigabytes.
+// False when the data cannot be expanded, or the length that it claims cannot be true: a forged one must not make us
+// allocate gigabytes.
 bool uncompress(QByteArray& data) {
     if (data.size() < length_prefix_size) {
         return false;
@@ -49,7 +50,7 @@ bool uncompress(QByteArray& data) {
         return false;
     }
     data = qUncompress(data);
-    return true;
+    return claimed == 0 || !data.isEmpty();
 }
 
 } // namespace
@@ -112,7 +113,6 @@ QByteArray encryptor_string::decryptToByteArray(QByteArray ciphertext) {
     if (!has_key()) {
         return {};
     }
-    last_error = no_error;
     if (ciphertext.size() < 3) {
         return {};
     }
@@ -143,6 +143,7 @@ QByteArray encryptor_string::decryptToByteArray(QByteArray ciphertext) {
         last_error = integrity_failed;
         return {};
     }
+    last_error = no_error;
     return data;
 }
 

@@ -23,7 +23,7 @@ public:
 
     void set_compression_mode(compression mode) { compression_mode = mode; }
     void set_protection_mode(protection mode) { protection_mode = mode; }
-    // One of error; set by every operation below.
+    // One of error; set by every operation below, but for what is too short to be a ciphertext.
     int last_error_code() const { return last_error; }
     // key_parts[i] = byte i of key, least significant first.
     void splitKey();
@@ -34,7 +34,7 @@ public:
     QString encryptToString(QByteArray plaintext);
     QString encryptToString(QString plaintext);
     // Text forms take Base64. An empty result with last_error_code() set tells a text that is not ours or was changed;
-    // fewer than 3 bytes give an empty result without an error.
+    // fewer than 3 bytes give an empty result and leave last_error_code() as it was.
     QByteArray decryptToByteArray(QByteArray ciphertext);
     QByteArray decryptToByteArray(QString ciphertext);
     QString decryptToString(QByteArray ciphertext);

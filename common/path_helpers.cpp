@@ -6,6 +6,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <sys/stat.h>
+
 namespace {
 
 qint64 unix_seconds(const QDateTime& time) {
@@ -57,8 +59,8 @@ QPair<QString, QString> plugin_static_function::get_final_artifact_source_file(Q
 }
 
 file_times plugin_static_function::get_posix_timestamp(QString relative_path, QString root) {
-    // Deliberate: both texts are trimmed, so a file whose name ends in a blank gets zeros; times that belong to
-    // another file of nearly the same name would be worse.
+    // Deliberate: both texts are trimmed, callers pass texts with blanks around them. So a name that itself ends in
+    // white space is looked up without it and may find a sibling: who has such a name must not ask.
     const QString relative = relative_path.trimmed();
     const QString prefix = root.trimmed();
     if (relative.isEmpty() || prefix.isEmpty()) {
@@ -84,9 +86,10 @@ QString plugin_static_function::mining_size(QString path) {
         if (bool_cancel_extraction) {
             return false;
         }
-        const QFileInfo below(entry.path);
-        if (!below.isSymLink() && !below.isDir()) {
-            sum += below.size();
+        struct stat status = {}; // by the native path: Qt cannot reach a name that is not UTF-8
+        if (::lstat(entry.native_path.constData(), &status) == 0 && !S_ISDIR(status.st_mode) &&
+            !S_ISLNK(status.st_mode)) {
+            sum += status.st_size;
         }
         return true;
     });
@@ -126,7 +129,7 @@ QString plugin_static_function::get_available_file(QString dir, QString file_pat
     QString candidate = name;
     for (qint64 number = 1; !bool_cancel_extraction; ++number) {
         if (!is_file_exist_in_dir(dir, candidate, caller)) {
-            return candidate;
+            return bool_cancel_extraction ? QStringLiteral("") : candidate; // a look that was cancelled tells nothing
         }
         candidate = QString::number(number) + QLatin1Char('_') + name;
     }

@@ -95,7 +95,8 @@ bool plugin_helper_functions::is_listed(const extension_lists& lists, const QStr
 }
 
 QString plugin_helper_functions::copy_to_free_name(const QString& path, const QString& caller) const {
-    if (path.trimmed().isEmpty()) {
+    // Without a folder of our own the copy would land in the current one.
+    if (path.trimmed().isEmpty() || adhoc_parent_path.isEmpty()) {
         return QStringLiteral("");
     }
     const QString name = plugin_static_function::get_available_file(adhoc_parent_path, path, caller);

@@ -18,8 +18,9 @@
 //   pub_extract_artifacts
 //   pub_remove_temporary_asthetics              last: removes the working folder and closes the debug file
 //
-// pub_cancel_extraction may come at any time during pub_extract_artifacts; it only sets flags, so it may be called
-// from a slot of the signals below or from a signal handler of the process on the same thread.
+// pub_cancel_extraction may come at any time during pub_extract_artifacts. It stores plain flags and does nothing else,
+// so it may be called from a slot of the signals below, or from a signal handler that runs on the calling thread where
+// the platform keeps such stores visible to the interrupted code.
 #pragma once
 
 #include "plugin/host_records.h"

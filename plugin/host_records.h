@@ -15,7 +15,7 @@ struct struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_system_account {
 
 // The source being examined.
 struct struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info {
-    QString fs_extraction_source_path; // folder that stands for "C:/", ending in "/"
+    QString fs_extraction_source_path; // folder that stands for "C:/": absolute, ending in "/"
     QString source_path_2;             // kept, written nowhere
     QString os_scheme_display;         // operating system as shown to the user, written into every row
     QString os_scheme_internal;        // "macOS", "iOS_UID" or "winOS": selects the front

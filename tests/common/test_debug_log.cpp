@@ -187,6 +187,26 @@ private Q_SLOTS:
         QVERIFY(!general.debug_print_in_file && general.debug_file_path.isEmpty());
         QVERIFY(general.debug_encryption_status);
     }
+
+    void cleared_source_and_desktop_records() {
+        const QString x = QStringLiteral("x");
+        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source{x, x, x, x, x, {{x, x}}, x, x, {x}, x, x, x, x};
+        plugin_static_function::clear_variables_vantor_and_artifact_common_source_info(source);
+        for (const QString& text :
+             {source.fs_extraction_source_path, source.source_path_2, source.os_scheme_display,
+              source.os_scheme_internal, source.os_version_full, source.source_string_7, source.source_string_8,
+              source.source_string_10, source.source_string_11, source.source_string_12, source.source_string_13}) {
+            QCOMPARE(text, QString());
+        }
+        QVERIFY(source.system_account_QList.isEmpty() && source.source_string_list_9.isEmpty());
+        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_desktop_info desktop;
+        desktop.desktop_string_1 = desktop.desktop_string_2 = desktop.desktop_string_4 = desktop.desktop_string_5 = x;
+        desktop.desktop_flag_3 = true;
+        plugin_static_function::clear_variables_vantor_and_artifact_common_desktop_info(desktop);
+        QCOMPARE(desktop.desktop_string_1 + desktop.desktop_string_2, QString());
+        QCOMPARE(desktop.desktop_string_4 + desktop.desktop_string_5, QString());
+        QVERIFY(!desktop.desktop_flag_3);
+    }
 };
 
 QTEST_GUILESS_MAIN(test_debug_log)

@@ -3,6 +3,7 @@
 #include "common/encryptor_string.h"
 #include "common/plugin_static_function.h"
 
+#include <QCryptographicHash>
 #include <QtTest>
 
 class test_encryptor_string : public QObject {
@@ -40,17 +41,44 @@ private Q_SLOTS:
         QCOMPARE(reader.decryptToString(cipher.encryptToString(text)), text);
     }
 
-    // Undoes the chaining by hand from two known plaintexts: equal first bytes and keys give equal chains.
-    void chaining_is_the_documented_xor() {
-        encryptor_string cipher(1);
-        cipher.set_compression_mode(encryptor_string::compression_never);
-        cipher.set_protection_mode(encryptor_string::protection_none);
-        const QByteArray body = cipher.encryptToByteArray(QByteArray(17, '\0')).mid(2);
-        QCOMPARE(body.size(), 18);
-        // With zero plaintext, body[i] ^ body[i - 1] is the key's byte i mod 8: it repeats after eight places.
-        for (int i = 1; i + 8 < body.size(); ++i) {
-            QCOMPARE(body.at(i) ^ body.at(i - 1), body.at(i + 8) ^ body.at(i + 7));
+    void bytes_below_the_chaining_data() {
+        QTest::addColumn<int>("compression");
+        QTest::addColumn<int>("protection");
+        QTest::addColumn<QByteArray>("below"); // what follows the random byte
+        const QByteArray compressed = qCompress(QByteArray("abc"), 9);
+        const quint16 checksum = qChecksum("abc", 3);
+        QByteArray big_endian;
+        big_endian.append(static_cast<char>(checksum >> 8)).append(static_cast<char>(checksum & 0xff));
+        QTest::newRow("plain") << 2 << 0 << QByteArray("abc");
+        QTest::newRow("checksum in front") << 2 << 1 << big_endian + "abc";
+        QTest::newRow("hash in front, over what is compressed")
+            << 1 << 2 << QCryptographicHash::hash(compressed, QCryptographicHash::Sha1) + compressed;
+    }
+    // A plaintext of zeros gives the key away: each byte is the one before it XOR the key's byte at its place.
+    void bytes_below_the_chaining() {
+        QFETCH(int, compression);
+        QFETCH(int, protection);
+        QFETCH(QByteArray, below);
+        encryptor_string bare(1);
+        bare.set_compression_mode(encryptor_string::compression_never);
+        bare.set_protection_mode(encryptor_string::protection_none);
+        const QByteArray zeros = bare.encryptToByteArray(QByteArray(16, '\0')).mid(2);
+        QByteArray key(8, '\0');
+        for (int i = 1; i <= 8; ++i) {
+            key[i % 8] = static_cast<char>(zeros.at(i) ^ zeros.at(i - 1));
         }
+        QVERIFY(key != QByteArray(8, '\0'));
+
+        encryptor_string cipher(7);
+        cipher.set_compression_mode(static_cast<encryptor_string::compression>(compression));
+        cipher.set_protection_mode(static_cast<encryptor_string::protection>(protection));
+        const QByteArray chained = cipher.encryptToByteArray(QByteArray("abc")).mid(2);
+        QByteArray data;
+        for (int i = 0; i < chained.size(); ++i) {
+            data += static_cast<char>(chained.at(i) ^ (i > 0 ? chained.at(i - 1) : 0) ^ key.at(i % 8));
+        }
+        QCOMPARE(data.at(0), static_cast<char>(QRandomGenerator(7).generate() & 0xff));
+        QCOMPARE(data.mid(1), below);
     }
 
     void seeds_make_ciphertexts_differ() {
@@ -103,6 +131,30 @@ private Q_SLOTS:
         ciphertext[1] = 1; // says "compressed"
         QCOMPARE(cipher.decryptToByteArray(ciphertext), QByteArray());
         QCOMPARE(cipher.last_error_code(), int(encryptor_string::integrity_failed));
+    }
+
+    void compressed_data_that_is_no_zlib_stream() {
+        encryptor_string cipher(5);
+        cipher.set_compression_mode(encryptor_string::compression_never);
+        cipher.set_protection_mode(encryptor_string::protection_none);
+        QByteArray ciphertext = cipher.encryptToByteArray(QByteArray("\0\0\0\x05 no zlib", 12));
+        ciphertext[1] = 1; // says "compressed"
+        QTest::ignoreMessage(QtWarningMsg, "qUncompress: Z_DATA_ERROR: Input data is corrupted");
+        QCOMPARE(cipher.decryptToByteArray(ciphertext), QByteArray());
+        QCOMPARE(cipher.last_error_code(), int(encryptor_string::integrity_failed));
+    }
+
+    // What is too short to be a ciphertext leaves the code; the next success clears it.
+    void error_code_stays_until_success() {
+        encryptor_string cipher(5);
+        const QString ours = cipher.encryptToString(QStringLiteral("a line"));
+        QTest::ignoreMessage(QtWarningMsg, "Invalid version or not a cyphertext.");
+        QCOMPARE(cipher.decryptToString(QStringLiteral("BAAA")), QString()); // Base64 of 4, 0, 0
+        QCOMPARE(cipher.last_error_code(), int(encryptor_string::unknown_version));
+        QCOMPARE(cipher.decryptToString(QStringLiteral("AwA=")), QString()); // 3, 0
+        QCOMPARE(cipher.last_error_code(), int(encryptor_string::unknown_version));
+        QCOMPARE(cipher.decryptToString(ours), QStringLiteral("a line"));
+        QCOMPARE(cipher.last_error_code(), int(encryptor_string::no_error));
     }
 
     void static_entry() {

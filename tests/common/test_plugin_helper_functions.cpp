@@ -202,6 +202,19 @@ private Q_SLOTS:
         QCOMPARE(at.helper.get_adhoc_path_for_database(at.evidence(QStringLiteral("a.db"))), QStringLiteral(""));
         QCOMPARE(at.copies(), QStringList());
     }
+
+    // Before the result folder is known nothing is written anywhere.
+    void no_folder_to_copy_to() {
+        scratch at;
+        at.write(at.evidence(QStringLiteral("a.db")), "db");
+        QVERIFY(QDir().mkpath(at.tmp()));
+        QVERIFY(QDir::setCurrent(at.tmp()));
+        plugin_helper_functions helper;
+        QCOMPARE(helper.get_adhoc_path_for_database(at.evidence(QStringLiteral("a.db"))), QStringLiteral(""));
+        QCOMPARE(helper.get_adhoc_path_for_regular_file(at.evidence(QStringLiteral("a.db"))), QStringLiteral(""));
+        QVERIFY(QDir::setCurrent(QStringLiteral("/")));
+        QCOMPARE(at.copies(), QStringList());
+    }
 };
 
 QTEST_MAIN(test_plugin_helper_functions)
