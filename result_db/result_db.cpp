@@ -22,7 +22,7 @@ void log_creation(const QString& message) {
     plugin_static_function::app_debug(message, create_tables_text);
 }
 
-void create_all_tables(QSqlDatabase& database) {
+bool create_all_tables(QSqlDatabase& database) {
     database.transaction();
     for (const result_table& table : result_tables()) {
         const bool done = plugin_static_function::execute_db_command_by_dbreference(
@@ -31,7 +31,11 @@ void create_all_tables(QSqlDatabase& database) {
             log_creation(QStringLiteral(" table creation -----FAILED---- ") + QLatin1String(table.name));
         }
     }
-    database.commit();
+    if (!database.commit()) {
+        log_creation(database.lastError().text()); // no table is in the file: the log must say so
+        return false;
+    }
+    return true;
 }
 
 bool create_tables_in(const QString& database_path) {
@@ -43,9 +47,9 @@ bool create_tables_in(const QString& database_path) {
         log_creation(database_path);
         return false;
     }
-    create_all_tables(database);
+    const bool created = create_all_tables(database);
     database.close();
-    return true;
+    return created;
 }
 
 } // namespace

@@ -55,14 +55,35 @@ private Q_SLOTS:
         cortana plugin;
         plugin.pub_set_result_directory(folder.result_dir());
         const QString path = database_of(folder.result_dir().chopped(1));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("this is no database, but long enough to be read") > 0);
-        file.close();
+        for (const char* command : {"create table helper(a)", "create index cookies on helper(a)"}) {
+            QVERIFY(plugin_static_function::execute_db_command_by_dbpath(QLatin1String(command), path, QString()));
+        }
         folder.take_log();
         plugin.pub_create_db_tables();
-        const QStringList failed = folder.take_log().filter(QStringLiteral(" table creation -----FAILED---- "));
-        QCOMPARE(failed.size(), 10);
-        QCOMPARE(failed.at(6), QStringLiteral("cortana::create_db_tables:--  table creation -----FAILED---- cookies"));
+        const QStringList log = folder.take_log();
+        QCOMPARE(log.filter(QStringLiteral(" table creation -----FAILED---- ")),
+                 QStringList(QStringLiteral("cortana::create_db_tables:--  table creation -----FAILED---- cookies")));
+        QVERIFY(log.contains(QStringLiteral("cortana::create_db_tables:-- [create_db_tables] -ends-")));
+        const QStringList created = plugin_static_function::get_total_tables_list_by_dbpath(path, QString());
+        QCOMPARE(created.size(), 10); // nine and the helper
+        QVERIFY(created.contains(QStringLiteral("domstore")) && !created.contains(QStringLiteral("cookies")));
+    }
+
+    // The disk fills before the commit: every statement succeeded, and no table is there.
+    void a_failing_commit_is_told() {
+        test_case_folder folder;
+        cortana plugin;
+        plugin.pub_set_result_directory(folder.result_dir());
+        folder.take_log();
+        {
+            const full_disk full(8 * 1024);
+            plugin.pub_create_db_tables();
+        }
+        const QStringList log = folder.take_log().filter(QStringLiteral("cortana::create_db_tables:-- "));
+        QCOMPARE(log.size(), 2);
+        QCOMPARE(log.first(), QStringLiteral("cortana::create_db_tables:-- [create_db_tables] -starts-"));
+        QVERIFY2(log.last().endsWith(QStringLiteral("Unable to commit transaction")), qPrintable(log.last()));
+        QCOMPARE(tables(database_of(folder.result_dir().chopped(1))), QStringList());
     }
 
     void unopenable() {
