@@ -30,6 +30,9 @@ struct insert_failure_lines {
     const char* query_prefix;
 };
 
+// Whether the running record count is to be told again, elapsed_ms after it was last told.
+bool is_progress_due(qint64 elapsed_ms);
+
 // A step's fixed texts, each whole and exactly as it is logged or executed.
 struct step_texts {
     const char* function; // full signature text; also the name of the database connection

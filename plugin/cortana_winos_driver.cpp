@@ -23,7 +23,6 @@ constexpr extraction_step steps[] = {
 };
 
 constexpr unsigned highest_engine_type = 2;
-constexpr qint64 signal_interval_ms = 1000;
 
 } // namespace
 
@@ -54,7 +53,7 @@ void cortana_winos::extract_plugin_artifacts() {
 
 void cortana_winos::count_inserted_record() {
     ++records_count;
-    if (progress_timer->elapsed() > signal_interval_ms) {
+    if (is_progress_due(progress_timer->elapsed())) {
         Q_EMIT signal_extracted_records_of_plugin_winos(records_count);
         progress_timer->start();
     }

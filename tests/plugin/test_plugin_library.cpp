@@ -47,7 +47,7 @@ private Q_SLOTS:
 
     // Reads the loaded object's virtual table and finds out by address which function stands in which slot.
     void slot_order() {
-        const char* const documented[] = {
+        const char* const wanted[] = {
             "pub_set_engine_type(int)",
             "pub_get_artifact_name()",
             "pub_set_essentials()",
@@ -79,7 +79,7 @@ private Q_SLOTS:
         QVERIFY(::dladdr(reinterpret_cast<void*>(table[first]), &where) != 0);
         const auto base = reinterpret_cast<quintptr>(where.dli_fbase);
         quintptr slot = first;
-        for (const char* name : documented) {
+        for (const char* name : wanted) {
             QCOMPARE(function_at.value(table[slot] - base), QStringLiteral("cortana::") + QLatin1String(name));
             ++slot;
         }

@@ -7,6 +7,7 @@
 #include "tests/support/test_support.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QRegularExpression>
 #include <QtTest>
 
@@ -41,6 +42,15 @@ class test_plugin_run : public QObject {
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write("RIFF") == 4);
     }
 
+    void set_source(const QString& scheme) {
+        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
+        source.fs_extraction_source_path = root();
+        source.os_scheme_display = QStringLiteral("Windows");
+        source.os_scheme_internal = scheme;
+        source.system_account_QList.append({QStringLiteral("anna"), QStringLiteral("CORP\\anna")});
+        (*plugin)->pub_set_source_info(source);
+    }
+
     void set_up(const run_settings& settings) {
         host_interface* host = plugin->get();
         host->pub_set_essentials();
@@ -51,12 +61,7 @@ class test_plugin_run : public QObject {
         general.debug_file_path = log_path();
         host->pub_set_general_info(general);
         host->pub_set_desktop_info({});
-        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
-        source.fs_extraction_source_path = root();
-        source.os_scheme_display = QStringLiteral("Windows");
-        source.os_scheme_internal = settings.scheme;
-        source.system_account_QList.append({QStringLiteral("anna"), QStringLiteral("CORP\\anna")});
-        host->pub_set_source_info(source);
+        set_source(settings.scheme);
         host->pub_set_source_count(1);
         host->pub_set_essential_for_vantor_desk_extraction(settings.tables, {QStringLiteral("ignored")});
         host->pub_set_result_directory(result());
@@ -149,7 +154,12 @@ private Q_SLOTS:
         set_up(settings);
         extract();
         QCOMPARE(rows(), qint64(rows_written));
-        QCOMPARE(plugin->signals_seen.seen.filter(QStringLiteral("tables")).size(), tables_told);
+        const QStringList seen = plugin->signals_seen.seen;
+        QCOMPARE(seen.filter(QStringLiteral("tables")).size(), tables_told);
+        if (tables_told == 0) { // the start, the front's end, the plugin's end
+            QCOMPARE(seen, QStringList({QStringLiteral("records 0"), QStringLiteral("records 0"),
+                                        QStringLiteral("records 0")}));
+        }
         QCOMPARE(log_lines().filter(QStringLiteral("[extract_plugins_artifacts]")).size(), 2);
     }
 
@@ -168,10 +178,9 @@ private Q_SLOTS:
         QFETCH(bool, known);
         add_file(speech_file + QStringLiteral("a.wav"));
         set_up({});
-        extract();
-        run_settings settings;
-        settings.scheme = scheme;
-        set_up(settings); // resets the count
+        (*plugin)->pub_find_source_file();
+        (*plugin)->pub_extract_artifacts();
+        set_source(scheme); // and no reset: the count is handed on
         (*plugin)->pub_set_ios_uid_backup_pointer(nullptr);
         plugin->signals_seen.seen.clear();
         extract();
@@ -183,8 +192,30 @@ private Q_SLOTS:
         QCOMPARE(log_lines().filter(failed).size(), known ? 0 : 2);
         QCOMPARE(
             plugin->signals_seen.seen,
-            known ? QStringList({QStringLiteral("records 0"), QStringLiteral("records 0"), QStringLiteral("records 0")})
-                  : QStringList({QStringLiteral("records 0"), QStringLiteral("records 0")}));
+            known ? QStringList({QStringLiteral("records 0"), QStringLiteral("records 1"), QStringLiteral("records 1")})
+                  : QStringList({QStringLiteral("records 0"), QStringLiteral("records 1")}));
+    }
+
+    void operations_that_do_nothing() {
+        add_file(speech_file + QStringLiteral("a.wav"));
+        set_up({});
+        (*plugin)->pub_find_source_file();
+        (*plugin)->pub_extract_artifacts();
+        const auto state = [this] {
+            QStringList files;
+            QDirIterator found(folder->path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                               QDirIterator::Subdirectories);
+            while (found.hasNext()) {
+                files << found.next() + QStringLiteral(" %1").arg(found.fileInfo().size());
+            }
+            files.sort();
+            return files + log_lines() + dump_table(database(), QStringLiteral("latest_audio_search")) +
+                   plugin->signals_seen.seen;
+        };
+        const QStringList before = state();
+        (*plugin)->pub_set_extended_attributes_list({QStringLiteral("latest_audio_search")});
+        (*plugin)->pub_generate_chat_html_pages();
+        QCOMPARE(state(), before);
     }
 
     void cancelled_before() {

@@ -32,10 +32,17 @@ public:
     QSqlDatabase database;
 };
 
-void run_statement(QSqlDatabase& database, const QString& statement) {
-    QSqlQuery query(database);
+void run_statement(QSqlQuery& query, const QString& statement) {
     if (!query.exec(statement)) {
         qFatal("%s: %s", qPrintable(statement), qPrintable(query.lastError().text()));
+    }
+}
+
+std::function<void()> action_at_failure;
+
+void watch_for_failures(QtMsgType, const QMessageLogContext&, const QString& message) {
+    if (message.contains(QLatin1String("FAILED")) || message.contains(QLatin1String("Unable to open"))) {
+        action_at_failure();
     }
 }
 
@@ -59,7 +66,8 @@ test_case_folder::test_case_folder(const QList<QPair<QString, QString>>& account
     {
         test_database result(database_path());
         for (const result_table& table : result_tables()) {
-            run_statement(result.database, QLatin1String(table.create_statement));
+            QSqlQuery query(result.database);
+            run_statement(query, QLatin1String(table.create_statement));
         }
     }
     plugin_static_function::set_essentials();
@@ -123,7 +131,8 @@ QStringList test_case_folder::take_log() {
 
 void test_case_folder::execute(const QString& statement) const {
     test_database result(database_path());
-    run_statement(result.database, statement);
+    QSqlQuery query(result.database);
+    run_statement(query, statement);
 }
 
 QStringList test_case_folder::dump(const QString& table) const {
@@ -135,6 +144,9 @@ QStringList test_case_folder::dump(const QString& table, const QStringList& colu
 }
 
 QStringList dump_table(const QString& database_path, const QString& table, const QStringList& columns) {
+    if (!QFile::exists(database_path)) {
+        qFatal("no database %s", qPrintable(database_path));
+    }
     test_database result(database_path);
     QStringList names = columns;
     if (names.isEmpty()) {
@@ -148,7 +160,8 @@ QStringList dump_table(const QString& database_path, const QString& table, const
         selected << QStringLiteral("typeof(\"%1\"), \"%1\"").arg(name);
     }
     QSqlQuery query(result.database);
-    query.exec(QStringLiteral("select %1 from %2 order by rowid").arg(selected.join(QLatin1Char(',')), table));
+    run_statement(query,
+                  QStringLiteral("select %1 from %2 order by rowid").arg(selected.join(QLatin1Char(',')), table));
     QStringList rows;
     while (query.next()) {
         QStringList values;
@@ -159,6 +172,31 @@ QStringList dump_table(const QString& database_path, const QString& table, const
         rows << values.join(QStringLiteral(" | "));
     }
     return rows;
+}
+
+at_failure_line::at_failure_line(std::function<void()> action) {
+    action_at_failure = std::move(action);
+    plugin_static_function::debug_print_on_terminal_bool = true;
+    before = qInstallMessageHandler(watch_for_failures);
+}
+
+at_failure_line::~at_failure_line() {
+    qInstallMessageHandler(before);
+    plugin_static_function::debug_print_on_terminal_bool = false;
+}
+
+full_disk::full_disk(rlim_t largest_file) {
+    struct sigaction ignore = {};
+    ignore.sa_handler = SIG_IGN; // else a write beyond the limit would end the program
+    ::sigaction(SIGXFSZ, &ignore, &action_before);
+    ::getrlimit(RLIMIT_FSIZE, &limit_before);
+    const struct rlimit limit = {largest_file, limit_before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+full_disk::~full_disk() {
+    ::setrlimit(RLIMIT_FSIZE, &limit_before);
+    ::sigaction(SIGXFSZ, &action_before, nullptr);
 }
 
 QStringList golden_lines(const QString& path) {

@@ -9,6 +9,10 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <csignal>
+#include <functional>
+#include <sys/resource.h>
+
 // A case in a temporary folder: root() is an empty source root, the result database holds the ten tables, the debug
 // log goes to a file. Making one resets the process-wide run state (engine type 0, source number 1).
 class test_case_folder {
@@ -49,8 +53,34 @@ private:
     qint64 log_position = 0;
 };
 
-// The typed dump of any SQLite file's table, as above.
+// The typed dump of any SQLite file's table, as above. A missing file, table or column ends the test program.
 QStringList dump_table(const QString& database_path, const QString& table, const QStringList& columns = {});
+
+// While it lives, each line of the debug log that tells of a failure calls action at once: the place at which a host
+// may cancel, or evidence may change, in the middle of a step.
+class at_failure_line {
+public:
+    explicit at_failure_line(std::function<void()> action);
+    ~at_failure_line();
+    at_failure_line(const at_failure_line&) = delete;
+    at_failure_line& operator=(const at_failure_line&) = delete;
+
+private:
+    QtMessageHandler before;
+};
+
+// While it lives, no file grows beyond so many bytes: writes fail as on a full disk.
+class full_disk {
+public:
+    explicit full_disk(rlim_t largest_file);
+    ~full_disk();
+    full_disk(const full_disk&) = delete;
+    full_disk& operator=(const full_disk&) = delete;
+
+private:
+    struct rlimit limit_before = {};
+    struct sigaction action_before = {};
+};
 
 // The lines of a golden file; a missing file fails the test.
 QStringList golden_lines(const QString& path);
