@@ -2,17 +2,13 @@
 // bench_searches [keys ...]: the searches step over a hive with 10, 1,000 and 20,000 ".&input=" keys of five values
 // each and as many ".com" keys (or the given numbers), beside hivexregedit and hivexml, which write the same hive as
 // text. Whole processes, the best of several.
+#include "bench/bench_front.h"
 #include "bench/child_process.h"
-#include "common/plugin_static_function.h"
 #include "evidence/hive_writer.h"
-#include "plugin/cortana_winos.h"
-#include "result_db/schema.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -63,38 +59,6 @@ int write_hive(const bench_files& files, int keys) {
     return hive.save(files.hive) ? 0 : 1;
 }
 
-bool make_result(const bench_files& files) {
-    const QString connection = QStringLiteral("schema");
-    QFile::remove(files.result);
-    QSqlDatabase::removeDatabase(connection);
-    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
-    database.setDatabaseName(files.result);
-    bool made = database.open();
-    for (const result_table& table : result_tables()) {
-        made = made && QSqlQuery(database).exec(QLatin1String(table.create_statement));
-    }
-    return made;
-}
-
-int extract(const bench_files& files, int keys) {
-    struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
-    source.fs_extraction_source_path = files.root;
-    source.os_scheme_display = QStringLiteral("Windows");
-    source.system_account_QList.append({QStringLiteral("anna"), QStringLiteral("CORP\\anna")});
-    plugin_static_function::set_source_info(source);
-    cortana_winos front;
-    qint64 records = 0;
-    QObject::connect(&front, &cortana_winos::signal_extracted_records_of_plugin_winos,
-                     [&](qint64 count) { records = count; });
-    front.winos_set_engine_type(0);
-    front.winos_set_source_info(source);
-    front.winos_set_essential_for_vantor_desk_extraction({QStringLiteral("searches")});
-    front.winos_set_destination_location(QString(), QString(), files.result);
-    front.find_source_file();
-    front.winos_extract_artifacts();
-    return records == qint64(keys) * rows_a_key ? 0 : 1;
-}
-
 child_figures best_of_rounds(const std::function<child_figures()>& run) {
     child_figures best = run();
     for (int round = 1; round < rounds && best.succeeded; ++round) {
@@ -138,7 +102,7 @@ bool measure(int keys) {
         return false;
     }
     const child_figures searches = best_of_rounds([&] {
-        return make_result(files) ? run_self({"extract", path, number}) : child_figures();
+        return make_result_database(files.result) ? run_self({"extract", path, number}) : child_figures();
     });
     std::printf("%d + %d keys, %d records, hive of %.1f MB\n", keys, keys, keys * rows_a_key,
                 static_cast<double>(QFileInfo(files.hive).size()) / (1 << 20));
@@ -157,7 +121,12 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         const QApplication application(argc, argv);
         const bench_files files(QFile::decodeName(argv[2]));
-        return role == "write" ? write_hive(files, std::atoi(argv[3])) : extract(files, std::atoi(argv[3]));
+        const int keys = std::atoi(argv[3]);
+        if (role == "write") {
+            return write_hive(files, keys);
+        }
+        const qint64 records = extract_table(QStringLiteral("searches"), files.root, files.result);
+        return records == qint64(keys) * rows_a_key ? 0 : 1;
     }
     const QCoreApplication application(argc, argv);
     QList<int> numbers;

@@ -2,18 +2,14 @@
 // bench_webcache [entries ...]: cache_files from WebCache databases of 10,000, 100,000 and 1,000,000 entries (or of the
 // given numbers), beside the least it could cost and beside esedbexport, which writes text and no database. Each figure
 // is of the process that took least of the processor among several; times include the start of the process.
+#include "bench/bench_front.h"
 #include "bench/child_process.h"
 #include "bench/webcache_floor.h"
-#include "common/plugin_static_function.h"
 #include "evidence/webcache_schema.h"
-#include "plugin/cortana_winos.h"
-#include "result_db/schema.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -59,37 +55,6 @@ int write_evidence(const bench_files& files, int entries) {
     file.end_table();
     file.close();
     return 0;
-}
-
-int make_result(const bench_files& files) {
-    QFile::remove(files.result);
-    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
-    database.setDatabaseName(files.result);
-    bool made = database.open();
-    for (const result_table& table : result_tables()) {
-        made = made && QSqlQuery(database).exec(QLatin1String(table.create_statement));
-    }
-    return made ? 0 : 1;
-}
-
-int extract(const bench_files& files) {
-    struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
-    source.fs_extraction_source_path = files.root;
-    source.os_scheme_display = QStringLiteral("Windows");
-    source.os_scheme_internal = QStringLiteral("winOS");
-    source.system_account_QList.append({QStringLiteral("anna"), QStringLiteral("CORP\\anna")});
-    plugin_static_function::set_source_info(source);
-    cortana_winos front;
-    qint64 records = 0;
-    QObject::connect(&front, &cortana_winos::signal_extracted_records_of_plugin_winos,
-                     [&](qint64 count) { records = count; });
-    front.winos_set_engine_type(0);
-    front.winos_set_source_info(source);
-    front.winos_set_essential_for_vantor_desk_extraction({QStringLiteral("cache_files")});
-    front.winos_set_destination_location(QString(), QString(), files.result);
-    front.find_source_file();
-    front.winos_extract_artifacts();
-    return records > 0 ? 0 : 1;
 }
 
 child_figures best_of(int rounds, const std::function<void()>& prepare, const std::function<child_figures()>& run) {
@@ -146,10 +111,10 @@ int run_role(const std::string& role, const bench_files& files, const char* numb
         return write_evidence(files, std::atoi(number));
     }
     if (role == "result") {
-        return make_result(files);
+        return make_result_database(files.result) ? 0 : 1;
     }
     if (role == "extract") {
-        return extract(files);
+        return extract_table(QStringLiteral("cache_files"), files.root, files.result) > 0 ? 0 : 1;
     }
     return run_webcache_floor(QFile::encodeName(files.database).constData(),
                               QFile::encodeName(files.result).constData()) > 0

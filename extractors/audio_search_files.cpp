@@ -32,8 +32,8 @@ struct audio_row {
 };
 
 const bindings<audio_row> columns = {
-    {"system_user", [](const audio_row& row) { return QVariant(row.origin.system_user); }},
-    {"domain_user", [](const audio_row& row) { return QVariant(row.origin.domain_user); }},
+    {"system_user", system_user_of},
+    {"domain_user", domain_user_of},
     {"file_name", [](const audio_row& row) { return QVariant(row.file_name); }},
     {"file_size", [](const audio_row& row) { return QVariant(row.file_size); }},
     {"file_path", [](const audio_row& row) { return QVariant(row.display_path); }},
@@ -43,9 +43,9 @@ const bindings<audio_row> columns = {
     {"creation_time", [](const audio_row& row) { return QVariant(row.times.creation); }},
     {"modification_time", [](const audio_row& row) { return QVariant(row.times.last_modification); }},
     {"last_access_time", [](const audio_row& row) { return QVariant(row.times.last_access); }},
-    {"source_file", [](const audio_row& row) { return QVariant(row.origin.source_file); }},
-    {"os_scheme_display", [](const audio_row& row) { return QVariant(row.origin.os_scheme_display); }},
-    {"source_count_name", [](const audio_row& row) { return QVariant(row.origin.source_count_name); }},
+    {"source_file", source_file_of},
+    {"os_scheme_display", os_scheme_of},
+    {"source_count_name", source_count_of},
 };
 
 // path with root's text taken off its front and a "/" there in any case.

@@ -37,8 +37,8 @@ struct graph_row {
 };
 
 const bindings<graph_row> columns = {
-    {"system_user", [](const graph_row& row) { return QVariant(row.origin.system_user); }},
-    {"domain_user", [](const graph_row& row) { return QVariant(row.origin.domain_user); }},
+    {"system_user", system_user_of},
+    {"domain_user", domain_user_of},
     {"entity_id", [](const graph_row& row) { return QVariant(row.entity.entity_id); }},
     {"search_id", [](const graph_row& row) { return QVariant(row.entity.search_id); }},
     {"search_content", [](const graph_row& row) { return QVariant(row.entity.search_content); }},
@@ -52,9 +52,9 @@ const bindings<graph_row> columns = {
     {"creation_timestamp", [](const graph_row& row) { return QVariant(row.entity.creation_time); }},
     {"modification_timestamp", [](const graph_row& row) { return QVariant(row.entity.modification_time); }},
     {"last_accessed_timestamp", [](const graph_row& row) { return QVariant(row.entity.last_access_time); }},
-    {"source_file", [](const graph_row& row) { return QVariant(row.origin.source_file); }},
-    {"os_scheme_display", [](const graph_row& row) { return QVariant(row.origin.os_scheme_display); }},
-    {"source_count_name", [](const graph_row& row) { return QVariant(row.origin.source_count_name); }},
+    {"source_file", source_file_of},
+    {"os_scheme_display", os_scheme_of},
+    {"source_count_name", source_count_of},
 };
 
 // A descriptor that is closed on every way out.

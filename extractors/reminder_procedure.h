@@ -31,26 +31,6 @@ struct reminder_step {
 
 // Values that the steps share.
 template <class Row>
-QVariant system_user_of(const Row& row) {
-    return row.origin.system_user;
-}
-template <class Row>
-QVariant domain_user_of(const Row& row) {
-    return row.origin.domain_user;
-}
-template <class Row>
-QVariant source_file_of(const Row& row) {
-    return row.origin.source_file;
-}
-template <class Row>
-QVariant os_scheme_of(const Row& row) {
-    return row.origin.os_scheme_display;
-}
-template <class Row>
-QVariant source_count_of(const Row& row) {
-    return row.origin.source_count_name;
-}
-template <class Row>
 QVariant title_of(const Row& row) {
     return row.reminder.title;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QString>
+#include <QVariant>
 
 struct step_context;
 
@@ -17,6 +18,28 @@ struct row_origin {
 
 // The origin of rows that come from the file or folder source_path (full path on the examiner's machine).
 row_origin origin_of(const QString& source_path, const step_context& context);
+
+// The five as bindings take them, for every kind of row that has a member origin.
+template <class Row>
+QVariant system_user_of(const Row& row) {
+    return row.origin.system_user;
+}
+template <class Row>
+QVariant domain_user_of(const Row& row) {
+    return row.origin.domain_user;
+}
+template <class Row>
+QVariant source_file_of(const Row& row) {
+    return row.origin.source_file;
+}
+template <class Row>
+QVariant os_scheme_of(const Row& row) {
+    return row.origin.os_scheme_display;
+}
+template <class Row>
+QVariant source_count_of(const Row& row) {
+    return row.origin.source_count_name;
+}
 
 // path without root in front and with "/" in its place; a path outside root is kept whole.
 QString path_below_root(const QString& path, const QString& root);

@@ -14,13 +14,13 @@ struct search_row {
 
 // Deliberate: the time is bound as text; the column's type turns digits into a number and keeps anything else.
 const bindings<search_row> columns = {
-    {"system_user", [](const search_row& row) { return QVariant(row.origin.system_user); }},
-    {"domain_user", [](const search_row& row) { return QVariant(row.origin.domain_user); }},
+    {"system_user", system_user_of},
+    {"domain_user", domain_user_of},
     {"search_keyword", [](const search_row& row) { return QVariant(row.keyword); }},
     {"search_timestamp", [](const search_row& row) { return QVariant(row.time); }},
-    {"source_file", [](const search_row& row) { return QVariant(row.origin.source_file); }},
-    {"os_scheme_display", [](const search_row& row) { return QVariant(row.origin.os_scheme_display); }},
-    {"source_count_name", [](const search_row& row) { return QVariant(row.origin.source_count_name); }},
+    {"source_file", source_file_of},
+    {"os_scheme_display", os_scheme_of},
+    {"source_count_name", source_count_of},
 };
 
 // False when cancelled.

@@ -26,8 +26,8 @@ int characters_of(const specific_table::struct_ano_data& entry) {
 const bindings<webcache_row>& webcache_columns() {
     using row = webcache_row;
     static const bindings<row> columns{
-        {"system_user", [](const row& r) -> QVariant { return r.origin.system_user; }},
-        {"domain_user", [](const row& r) -> QVariant { return r.origin.domain_user; }},
+        {"system_user", system_user_of},
+        {"domain_user", domain_user_of},
         {"file_name", [](const row& r) -> QVariant { return r.entry.filename; }},
         // Deliberate: size and count are bound as the text that was read. As numbers, a missing value would be
         // stored as 0 instead of ''.
@@ -49,9 +49,9 @@ const bindings<webcache_row>& webcache_columns() {
         {"sync_timestamp", [](const row& r) -> QVariant { return filetime_to_unix_seconds(r.entry.sync_time); }},
         {"expiration_timestamp",
          [](const row& r) -> QVariant { return filetime_to_unix_seconds(r.entry.expiry_time); }},
-        {"source_file", [](const row& r) -> QVariant { return r.origin.source_file; }},
-        {"os_scheme_display", [](const row& r) -> QVariant { return r.origin.os_scheme_display; }},
-        {"source_count_name", [](const row& r) -> QVariant { return r.origin.source_count_name; }},
+        {"source_file", source_file_of},
+        {"os_scheme_display", os_scheme_of},
+        {"source_count_name", source_count_of},
     };
     return columns;
 }
