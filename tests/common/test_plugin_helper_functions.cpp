@@ -3,6 +3,7 @@
 #include "common/media_extensions.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
+#include "tests/support/test_text.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -17,24 +18,25 @@ class test_plugin_helper_functions : public QObject {
     struct scratch {
         QTemporaryDir folder;
         plugin_helper_functions helper;
-        scratch() {
-            QDir(folder.path()).mkdir(QStringLiteral("evidence"));
-            helper.set_adhoc_parent_path(tmp());
-        }
-        QString evidence(const QString& name) const { return folder.path() + QStringLiteral("/evidence/") + name; }
-        QString tmp() const { return folder.path() + QStringLiteral("/tmp/"); }
-        void write(const QString& path, const QByteArray& content) const {
-            QFile file(path);
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        const QString tmp = folder.filePath("tmp/"_q);
+        const QString database = folder.filePath("evidence/a.db"_q);
+        scratch() { helper.set_adhoc_parent_path(tmp); }
+        // Each text is "path=content".
+        void write(const QStringList& files) const {
+            for (const QString& text : files) {
+                const QString path = folder.filePath(text.section(QLatin1Char('='), 0, 0));
+                QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+                QFile file(path);
+                QVERIFY(file.open(QIODevice::WriteOnly) &&
+                        file.write(text.section(QLatin1Char('='), 1).toLatin1()) > 0);
+            }
         }
         // "name=content" of the scratch folder's files, sorted.
         QStringList copies() const {
-            QStringList found;
-            const QStringList names = QDir(tmp()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-            for (const QString& name : names) {
-                QFile file(tmp() + name);
-                found << (file.open(QIODevice::ReadOnly) ? name + QLatin1Char('=') + QString::fromLatin1(file.readAll())
-                                                         : name);
+            QStringList found = QDir(tmp).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+            for (QString& name : found) {
+                QFile file(tmp + name);
+                name += file.open(QIODevice::ReadOnly) ? "="_q + QString::fromLatin1(file.readAll()) : QString();
             }
             return found;
         }
@@ -60,7 +62,7 @@ private Q_SLOTS:
         QFETCH(int, kind);
         QFETCH(QByteArrayList, named);
         const media_extension_list lists[] = {image_extensions(), audio_extensions(), video_extensions()};
-        const QRegularExpression form(QStringLiteral("^\\.[0-9a-z][^.A-Z\\s]*$"));
+        const QRegularExpression form("^\\.[0-9a-z][^.A-Z\\s]*$"_q);
         QByteArrayList entries;
         for (const char* entry : lists[kind]) {
             QVERIFY2(form.match(QLatin1String(entry)).hasMatch(), entry);
@@ -79,54 +81,30 @@ private Q_SLOTS:
 
     void every_entry_is_found() {
         plugin_helper_functions helper;
-        for (const char* entry : image_extensions()) {
-            QVERIFY2(helper.check_is_image_by_extn(QLatin1String(entry)), entry);
-        }
-        for (const char* entry : audio_extensions()) {
-            QVERIFY2(helper.check_is_audio_by_extn(QLatin1String(entry)), entry);
-        }
-        for (const char* entry : video_extensions()) {
-            QVERIFY2(helper.check_is_video_by_extn(QLatin1String(entry)), entry);
-        }
+        const auto all_found = [&](const media_extension_list& list, bool (plugin_helper_functions::*check)(QString)) {
+            for (const char* entry : list) {
+                QVERIFY2((helper.*check)(QLatin1String(entry)), entry);
+            }
+        };
+        all_found(image_extensions(), &plugin_helper_functions::check_is_image_by_extn);
+        all_found(audio_extensions(), &plugin_helper_functions::check_is_audio_by_extn);
+        all_found(video_extensions(), &plugin_helper_functions::check_is_video_by_extn);
     }
 
     void look_ups_data() {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("kinds"); // i, v, a
-        const auto row = [](const char* name, const char* kinds) {
-            QTest::newRow(name) << QString::fromUtf8(name) << QString::fromLatin1(kinds);
+        const auto rows = [](const char* kinds, std::initializer_list<const char*> names) {
+            for (const char* name : names) {
+                QTest::newRow(name) << QString::fromUtf8(name) << QString::fromLatin1(kinds);
+            }
         };
-        row("photo.jpg", "i");
-        row("photo.JPG", "i");
-        row(" photo.jpg ", "i");
-        row(".jpg", "i");
-        row("a.b.c.png", "i");
-        row("/some/folder.d/photo.bmp", "i");
-        row("song.mp3", "a");
-        row("film.DVR-MS", "v");
-        row("scan.001", "i");
-        row("tune.669", "a");
-        row("clip.3g2", "v");
-        row("album.abm", "ia");
-        row("x.bmc", "ia");
-        row("x.box", "ia");
-        row("x.cel", "ia");
-        row("photo", "");
-        row("jpg", "");
-        row("photo.jpg.", "");
-        row("photo.jpg..", "");
-        row("photo.jpg. ", "");
-        row("archive.tar.gz", "");
-        row("photo.jp", "");
-        row("photo.jpgx", "");
-        row("photo.jpg/", "");
-        row("photo.\xc3\xa4pg", "");
-        row("photo.\xd9\xa1", "");
-        row("photo._jpg", "");
-        row(".", "");
-        row("..", "");
-        row(" ", "");
-        row("", "");
+        rows("i", {"photo.JPG", " photo.jpg ", ".jpg", "/some/folder.d/photo.bmp", "scan.001"});
+        rows("a", {"song.mp3", "tune.669"});
+        rows("v", {"film.DVR-MS", "clip.3g2"});
+        rows("ia", {"album.abm", "x.bmc", "x.box", "x.cel"});
+        rows("", {"photo", "jpg", "photo.jpg.", "photo.jpg. ", "archive.tar.gz", "photo.jp", "photo.jpgx", "photo.jpg/",
+                  "photo.\xc3\xa4pg", "photo.\xd9\xa1", "photo._jpg", ".", " ", ""});
     }
 
     void look_ups() {
@@ -145,74 +123,57 @@ private Q_SLOTS:
     }
 
     void database_copy_data() {
-        QTest::addColumn<QStringList>("companions");
+        QTest::addColumn<QStringList>("before");
         QTest::addColumn<QStringList>("copies");
-        QTest::newRow("alone") << QStringList() << QStringList{QStringLiteral("a.db=db")};
-        QTest::newRow("wal only") << QStringList{QStringLiteral("-wal")}
-                                  << QStringList{QStringLiteral("a.db=db"), QStringLiteral("a.db-wal=-wal")};
-        QTest::newRow("both") << QStringList{QStringLiteral("-shm"), QStringLiteral("-wal")}
-                              << QStringList{QStringLiteral("a.db=db"), QStringLiteral("a.db-shm=-shm"),
-                                             QStringLiteral("a.db-wal=-wal")};
+        const auto row = [](const char* name, const QString& before, const QString& copies) {
+            QTest::newRow(name) << before.split(QLatin1Char(' ')) << copies.split(QLatin1Char(' '));
+        };
+        row("alone", "evidence/a.db=db"_q, "a.db=db"_q);
+        row("wal only", "evidence/a.db=db evidence/a.db-wal=w"_q, "a.db=db a.db-wal=w"_q);
+        row("both", "evidence/a.db=db evidence/a.db-shm=s evidence/a.db-wal=w"_q, "a.db=db a.db-shm=s a.db-wal=w"_q);
+        row("stale one stays", "evidence/a.db=db evidence/a.db-wal=w tmp/a.db-wal=old"_q, "a.db=db a.db-wal=old"_q);
     }
 
     void database_copy() {
-        QFETCH(QStringList, companions);
+        QFETCH(QStringList, before);
         scratch at;
-        at.write(at.evidence(QStringLiteral("a.db")), "db");
-        for (const QString& companion : companions) {
-            at.write(at.evidence(QStringLiteral("a.db") + companion), companion.toLatin1());
-        }
-        QCOMPARE(at.helper.get_adhoc_path_for_database(at.evidence(QStringLiteral("a.db"))),
-                 at.tmp() + QStringLiteral("a.db"));
+        at.write(before);
+        QCOMPARE(at.helper.get_adhoc_path_for_database(at.database), at.tmp + "a.db"_q);
         QTEST(at.copies(), "copies");
-    }
-
-    void stale_companion_stays() {
-        scratch at;
-        at.write(at.evidence(QStringLiteral("a.db")), "new");
-        at.write(at.evidence(QStringLiteral("a.db-wal")), "new");
-        QVERIFY(QDir().mkpath(at.tmp()));
-        at.write(at.tmp() + QStringLiteral("a.db-wal"), "stale");
-        at.helper.get_adhoc_path_for_database(at.evidence(QStringLiteral("a.db")));
-        QCOMPARE(at.copies(), QStringList({QStringLiteral("a.db=new"), QStringLiteral("a.db-wal=stale")}));
     }
 
     void regular_copies_get_free_names_and_no_companions() {
         scratch at;
-        const QString path = at.evidence(QStringLiteral("a.wav"));
-        at.write(path, "1");
-        at.write(path + QStringLiteral("-wal"), "wal");
-        QCOMPARE(at.helper.get_adhoc_path_for_regular_file(path), at.tmp() + QStringLiteral("a.wav"));
-        at.write(path, "2");
-        QCOMPARE(at.helper.get_adhoc_path_for_regular_file(path), at.tmp() + QStringLiteral("1_a.wav"));
-        QCOMPARE(at.copies(), QStringList({QStringLiteral("1_a.wav=2"), QStringLiteral("a.wav=1")}));
+        at.write({"evidence/a.db=1"_q, "evidence/a.db-wal=wal"_q});
+        QCOMPARE(at.helper.get_adhoc_path_for_regular_file(at.database), at.tmp + "a.db"_q);
+        at.write({"evidence/a.db=2"_q});
+        QCOMPARE(at.helper.get_adhoc_path_for_regular_file(at.database), at.tmp + "1_a.db"_q);
+        QCOMPARE(at.copies(), QStringList({"1_a.db=2"_q, "a.db=1"_q}));
     }
 
     void nothing_to_copy() {
         scratch at;
-        QCOMPARE(at.helper.get_adhoc_path_for_database(QStringLiteral(" ")), QStringLiteral(""));
-        QCOMPARE(at.helper.get_adhoc_path_for_regular_file(QString()), QStringLiteral(""));
+        QCOMPARE(at.helper.get_adhoc_path_for_database(" "_q), ""_q);
+        QCOMPARE(at.helper.get_adhoc_path_for_regular_file(QString()), ""_q);
         // The failed copy is not reported.
-        QCOMPARE(at.helper.get_adhoc_path_for_regular_file(at.evidence(QStringLiteral("missing"))),
-                 at.tmp() + QStringLiteral("missing"));
+        QCOMPARE(at.helper.get_adhoc_path_for_regular_file(at.database), at.tmp + "a.db"_q);
         QCOMPARE(at.copies(), QStringList());
-        at.write(at.evidence(QStringLiteral("a.db")), "db");
-        at.write(at.evidence(QStringLiteral("a.db-wal")), "wal");
+        at.write({"evidence/a.db=db"_q, "evidence/a.db-wal=wal"_q});
         plugin_static_function::set_cancel_extraction(true);
-        QCOMPARE(at.helper.get_adhoc_path_for_database(at.evidence(QStringLiteral("a.db"))), QStringLiteral(""));
+        QCOMPARE(at.helper.get_adhoc_path_for_database(at.database), ""_q);
         QCOMPARE(at.copies(), QStringList());
     }
 
     // Before the result folder is known nothing is written anywhere.
     void no_folder_to_copy_to() {
         scratch at;
-        at.write(at.evidence(QStringLiteral("a.db")), "db");
-        QVERIFY(QDir().mkpath(at.tmp()));
-        QVERIFY(QDir::setCurrent(at.tmp()));
+        at.write({"evidence/a.db=db"_q});
+        QVERIFY(QDir().mkpath(at.tmp));
+        QVERIFY(QDir::setCurrent(at.tmp));
         plugin_helper_functions helper;
-        QCOMPARE(helper.get_adhoc_path_for_database(at.evidence(QStringLiteral("a.db"))), QStringLiteral(""));
-        QCOMPARE(helper.get_adhoc_path_for_regular_file(at.evidence(QStringLiteral("a.db"))), QStringLiteral(""));
-        QVERIFY(QDir::setCurrent(QStringLiteral("/")));
+        QCOMPARE(helper.get_adhoc_path_for_database(at.database), ""_q);
+        QCOMPARE(helper.get_adhoc_path_for_regular_file(at.database), ""_q);
+        QVERIFY(QDir::setCurrent("/"_q));
         QCOMPARE(at.copies(), QStringList());
     }
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Time notations, each row in a time zone of its own and all under a German locale (whose May is "Mai").
 #include "common/plugin_static_function.h"
+#include "tests/support/test_support.h"
 
 #include <QLocale>
 #include <QtTest>
@@ -14,18 +15,15 @@ class test_time_conversion : public QObject {
     Q_OBJECT
 
     using all = plugin_static_function;
-
-    static void set_zone(const char* zone) {
-        qputenv("TZ", zone);
-        ::tzset();
-    }
-
-    static void columns() {
-        QTest::addColumn<converter>("convert");
-        QTest::addColumn<QByteArray>("zone");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("wanted");
-    }
+    static constexpr converter apple = all::convert_apple_time_to_epoch;
+    static constexpr converter google = all::convert_google_time_to_epoch;
+    static constexpr converter display = all::convert_timestamp_to_human_readable_in_UTC;
+    static constexpr converter duration = all::get_human_readable_time;
+    static constexpr converter notation_1 = all::convert_human_readable_to_epoch_1;
+    static constexpr converter notation_2 = all::convert_human_readable_to_epoch_2;
+    static constexpr converter notation_3 = all::convert_human_readable_to_epoch_3;
+    static constexpr converter notation_t = all::convert_T_Z_time_to_epoch;
+    static constexpr converter filtered = all::get_filtered_date_value;
 
     static void row(const char* name, converter convert, const char* text, const char* wanted,
                     const char* zone = "America/New_York") {
@@ -34,120 +32,100 @@ class test_time_conversion : public QObject {
 
     // The same wall time read in three zones.
     static void local_rows(const char* name, converter convert, const char* text, qint64 seconds_in_utc) {
-        const struct {
-            const char* zone;
-            int ahead;
-        } zones[] = {{"UTC", 0}, {"Asia/Kolkata", 19800}, {"America/New_York", -14400}};
-        for (const auto& zone : zones) {
-            QTest::newRow(QByteArray(name).append(", ").append(zone.zone).constData())
-                << convert << QByteArray(zone.zone) << QString::fromUtf8(text)
-                << QString::number(seconds_in_utc - zone.ahead);
+        const std::pair<const char*, int> zones[] = {{"UTC", 0}, {"Asia/Kolkata", 19800}, {"America/New_York", -14400}};
+        for (const auto& [zone, ahead] : zones) {
+            QTest::addRow("%s, %s", name, zone)
+                << convert << QByteArray(zone) << QString::fromUtf8(text) << QString::number(seconds_in_utc - ahead);
         }
     }
 
     static void seconds_rows() {
-        row("apple: fraction", all::convert_apple_time_to_epoch, " 0.5 ", "978307200");
-        row("apple: whole", all::convert_apple_time_to_epoch, "610885230.9", "1589192430");
-        row("apple: before 2001", all::convert_apple_time_to_epoch, "-1", "978307199");
-        row("apple: sum beyond 32 bits", all::convert_apple_time_to_epoch, "2147483647", "3125790847");
-        row("apple: beyond 32 bits", all::convert_apple_time_to_epoch, "2147483648", "");
-        row("apple: 0", all::convert_apple_time_to_epoch, "0", "");
-        row("apple: blank", all::convert_apple_time_to_epoch, " ", "");
-        row("apple: word", all::convert_apple_time_to_epoch, "never", "");
-        row("google: microseconds", all::convert_google_time_to_epoch, "13231234567000000", "1586760967");
-        row("google: ten characters", all::convert_google_time_to_epoch, "1586760967", "1586760967");
-        row("google: ten characters of any kind", all::convert_google_time_to_epoch, "not parsed", "not parsed");
-        row("google: before 1970", all::convert_google_time_to_epoch, "11644473599999999", "-1");
-        row("google: largest", all::convert_google_time_to_epoch, "18446744073709551615", "18435099600109");
-        row("google: 0", all::convert_google_time_to_epoch, "0", "");
-        row("google: negative", all::convert_google_time_to_epoch, "-5", "");
-        row("google: empty", all::convert_google_time_to_epoch, "", "");
-        row("display: English month", all::convert_timestamp_to_human_readable_in_UTC, " 1589192430.7 ",
-            "11-May-2020 10:20:30");
-        row("display: before 1970", all::convert_timestamp_to_human_readable_in_UTC, "-1", "31-Dec-1969 23:59:59");
-        row("display: last of 32 bits", all::convert_timestamp_to_human_readable_in_UTC, "2147483647",
-            "19-Jan-2038 03:14:07");
-        row("display: beyond 32 bits", all::convert_timestamp_to_human_readable_in_UTC, "2147483648", "");
-        row("display: 0", all::convert_timestamp_to_human_readable_in_UTC, "0", "");
-        row("display: word", all::convert_timestamp_to_human_readable_in_UTC, "never", "");
-        row("duration: under a minute", all::get_human_readable_time, "59", "00:59 Min");
-        row("duration: under an hour", all::get_human_readable_time, "3599.99", "59:59 Min");
-        row("duration: hours", all::get_human_readable_time, " 3661 ", "01:01:01 Hrs");
-        row("duration: three digits of hours", all::get_human_readable_time, "360000", "100:00:00 Hrs");
-        row("duration: 0", all::get_human_readable_time, "0", "00:00 Min");
-        row("duration: negative", all::get_human_readable_time, "-1", "");
-        row("duration: blank", all::get_human_readable_time, " ", "");
-        row("duration: word", all::get_human_readable_time, "long", "");
+        row("apple: fraction", apple, " 0.5 ", "978307200");
+        row("apple: before 2001", apple, "-1", "978307199");
+        row("apple: sum beyond 32 bits", apple, "2147483647", "3125790847");
+        row("apple: beyond 32 bits", apple, "2147483648", "");
+        row("apple: 0", apple, "0", "");
+        row("apple: word", apple, "never", "");
+        row("google: microseconds", google, "13231234567000000", "1586760967");
+        row("google: ten characters", google, "1586760967", "1586760967");
+        row("google: ten characters of any kind", google, "not parsed", "not parsed");
+        row("google: before 1970", google, "11644473599999999", "-1");
+        row("google: largest", google, "18446744073709551615", "18435099600109");
+        row("google: 0", google, "0", "");
+        row("google: negative", google, "-5", "");
+        row("display: English month", display, " 1589192430.7 ", "11-May-2020 10:20:30");
+        row("display: before 1970", display, "-1", "31-Dec-1969 23:59:59");
+        row("display: last of 32 bits", display, "2147483647", "19-Jan-2038 03:14:07");
+        row("display: beyond 32 bits", display, "2147483648", "");
+        row("display: 0", display, "0", "");
+        row("duration: under an hour", duration, "3599.99", "59:59 Min");
+        row("duration: hours", duration, " 3661 ", "01:01:01 Hrs");
+        row("duration: three digits of hours", duration, "360000", "100:00:00 Hrs");
+        row("duration: 0", duration, "0", "00:00 Min");
+        row("duration: negative", duration, "-1", "");
+        row("duration: word", duration, "long", "");
     }
 
     static void named_month_rows() {
-        local_rows("1: no zone", all::convert_human_readable_to_epoch_1, "May 11, 2020, 10:20:30 AM", 1589192430);
-        local_rows("1: zone word", all::convert_human_readable_to_epoch_1, "May 11, 2020, 10:20:30 AM GMT", 1589192430);
-        row("1: UTC", all::convert_human_readable_to_epoch_1, " May 11, 2020, 10:20:30 AM UTC ", "1589192430");
-        row("1: afternoon", all::convert_human_readable_to_epoch_1, "May 1, 2020, 1:02:03 PM UTC", "1588338123");
-        row("1: noon", all::convert_human_readable_to_epoch_1, "Dec 31, 2019, 12:00:00 PM UTC", "1577793600");
-        row("1: midnight", all::convert_human_readable_to_epoch_1, "Dec 31, 2019, 12:00:00 AM UTC", "1577750400");
-        row("1: UTC in the hour that the machine skips", all::convert_human_readable_to_epoch_1,
-            "Mar 8, 2020, 2:30:00 AM UTC", "1583634600");
-        row("2: UTC in the hour that the machine skips", all::convert_human_readable_to_epoch_2,
-            "2020-03-08 02:30:00.0 +0000", "1583634600");
-        row("3: UTC in the hour that the machine skips", all::convert_human_readable_to_epoch_3,
-            "Sun, 08 Mar 2020 02:30:00 GMT", "1583634600");
-        row("1: zone from the first, cut at the last", all::convert_human_readable_to_epoch_1,
-            "May 11, 2020, 10:20:30 AM AM UTC", "");
-        row("1: zone with its case", all::convert_human_readable_to_epoch_1, "May 11, 2020, 10:20:30 AM utc",
-            "1589206830");
-        row("1: German month", all::convert_human_readable_to_epoch_1, "Mai 11, 2020, 10:20:30 AM UTC", "");
-        row("1: empty", all::convert_human_readable_to_epoch_1, "", "");
-        row("3: mail", all::convert_human_readable_to_epoch_3, " Mon, 11 May 2020 10:20:30 GMT ", "1589192430");
-        row("3: offset is cut off", all::convert_human_readable_to_epoch_3, "Mon, 11 May 2020 10:20:30 +0200",
-            "1589192430");
-        row("3: no weekday", all::convert_human_readable_to_epoch_3, "31 Dec 2019 12:00:00 GMT", "1577793600");
-        row("3: German month", all::convert_human_readable_to_epoch_3, "Di, 31 Dez 2019 12:00:00 GMT", "");
-        row("3: no zone loses the time", all::convert_human_readable_to_epoch_3, "Mon, 11 May 2020 10:20:30", "");
-        row("3: 0", all::convert_human_readable_to_epoch_3, "0", "");
-        row("3: one word", all::convert_human_readable_to_epoch_3, "soon", "");
+        local_rows("1: no zone", notation_1, "May 11, 2020, 10:20:30 AM", 1589192430);
+        local_rows("1: zone word", notation_1, "May 11, 2020, 10:20:30 AM GMT", 1589192430);
+        row("1: UTC", notation_1, " May 11, 2020, 10:20:30 AM UTC ", "1589192430");
+        row("1: afternoon", notation_1, "May 1, 2020, 1:02:03 PM UTC", "1588338123");
+        row("1: noon", notation_1, "Dec 31, 2019, 12:00:00 PM UTC", "1577793600");
+        row("1: midnight", notation_1, "Dec 31, 2019, 12:00:00 AM UTC", "1577750400");
+        row("1: UTC in the hour that the machine skips", notation_1, "Mar 8, 2020, 2:30:00 AM UTC", "1583634600");
+        row("2: UTC in the hour that the machine skips", notation_2, "2020-03-08 02:30:00.0 +0000", "1583634600");
+        row("3: UTC in the hour that the machine skips", notation_3, "Sun, 08 Mar 2020 02:30:00 GMT", "1583634600");
+        row("1: zone from the first, cut at the last", notation_1, "May 11, 2020, 10:20:30 AM AM UTC", "");
+        row("1: zone with its case", notation_1, "May 11, 2020, 10:20:30 AM utc", "1589206830");
+        row("1: German month", notation_1, "Mai 11, 2020, 10:20:30 AM UTC", "");
+        row("1: empty", notation_1, "", "");
+        row("3: mail", notation_3, " Mon, 11 May 2020 10:20:30 GMT ", "1589192430");
+        row("3: offset is cut off", notation_3, "Mon, 11 May 2020 10:20:30 +0200", "1589192430");
+        row("3: no weekday", notation_3, "31 Dec 2019 12:00:00 GMT", "1577793600");
+        row("3: no zone loses the time", notation_3, "Mon, 11 May 2020 10:20:30", "");
+        row("3: 0", notation_3, "0", "");
     }
 
     static void numeric_rows() {
-        row("2: ahead", all::convert_human_readable_to_epoch_2, "2020-05-11 10:20:30.123 +0530", "1589172630");
-        row("2: behind", all::convert_human_readable_to_epoch_2, "2020-05-11 10:20:30.123 -0700", "1589217630");
-        row("2: last + counts", all::convert_human_readable_to_epoch_2, "2020-05-11 10:20:30.1+9+0100", "1589188830");
+        row("2: ahead", notation_2, "2020-05-11 10:20:30.123 +0530", "1589172630");
+        row("2: behind", notation_2, "2020-05-11 10:20:30.123 -0700", "1589217630");
+        row("2: last + counts", notation_2, "2020-05-11 10:20:30.1+9+0100", "1589188830");
         // The zone is "11 10:20:30.123": eleven hours behind, no minutes.
-        row("2: no zone", all::convert_human_readable_to_epoch_2, "2020-05-11 10:20:30.123", "1589232030");
-        row("2: no point loses a character", all::convert_human_readable_to_epoch_2, "2020-05-11 10:20:30+",
-            "1589192430");
-        row("2: no point, zone in the way", all::convert_human_readable_to_epoch_2, "2020-05-11 10:20:30 +0530", "");
-        row("2: neither + nor -", all::convert_human_readable_to_epoch_2, "20200511 10:20:30.123", "");
-        row("2: 0", all::convert_human_readable_to_epoch_2, "0.0 +0100", "");
-        row("2: empty", all::convert_human_readable_to_epoch_2, "", "");
-        local_rows("T: dashes", all::convert_T_Z_time_to_epoch, " 2020-05-11T10:20:30 ", 1589192430);
-        local_rows("T: dashes in the time", all::convert_T_Z_time_to_epoch, "2020-05-11T10-20-30", 1589192430);
-        local_rows("T: milliseconds", all::convert_T_Z_time_to_epoch, "2020-05-11T10:20:30.999", 1589192430);
-        local_rows("T: blank", all::convert_T_Z_time_to_epoch, "2020-05-11 10:20:30", 1589192430);
-        local_rows("T: compact", all::convert_T_Z_time_to_epoch, "20200511T102030", 1589192430);
-        local_rows("T: compact with Z", all::convert_T_Z_time_to_epoch, "20200511T102030Z", 1589192430);
-        local_rows("T: compact date", all::convert_T_Z_time_to_epoch, "20200511", 1589155200);
-        row("T: dashes with Z", all::convert_T_Z_time_to_epoch, "2020-05-11T10:20:30Z", "");
-        row("T: dashed date alone", all::convert_T_Z_time_to_epoch, "2020-05-11", "");
-        row("T: before 1970", all::convert_T_Z_time_to_epoch, "1969-12-31T23:59:58", "-2", "UTC");
-        row("T: blank text", all::convert_T_Z_time_to_epoch, " ", "");
-        row("filtered: UTC", all::get_filtered_date_value, " 2020-05-11T10:20:30Z ", "1589192430");
-        row("filtered: offset is dropped", all::get_filtered_date_value, "2020-05-11T10:20:30+05:30", "1589192430");
-        row("filtered: local is taken as UTC", all::get_filtered_date_value, "2020-05-11T10:20:30", "1589192430");
-        row("filtered: zone behind a blank", all::get_filtered_date_value, "2020-05-11 10:20:30 +0530", "1589192430");
-        row("filtered: nine digits", all::get_filtered_date_value, "1973-03-03T09:46:40Z", "100000000");
-        row("filtered: eight digits", all::get_filtered_date_value, "1973-03-03T09:46:39Z", "");
-        row("filtered: before 1970", all::get_filtered_date_value, "1960-01-01T00:00:00Z", "");
-        row("filtered: word", all::get_filtered_date_value, "yesterday", "");
-        row("filtered: blank", all::get_filtered_date_value, " ", "");
+        row("2: no zone", notation_2, "2020-05-11 10:20:30.123", "1589232030");
+        row("2: no point loses a character", notation_2, "2020-05-11 10:20:30+", "1589192430");
+        row("2: no point, zone in the way", notation_2, "2020-05-11 10:20:30 +0530", "");
+        row("2: neither + nor -", notation_2, "20200511 10:20:30.123", "");
+        row("2: empty", notation_2, "", "");
+        row("2: 0", notation_2, "0.0 +0100", "");
+        local_rows("T: dashes", notation_t, " 2020-05-11T10:20:30 ", 1589192430);
+        local_rows("T: dashes in the time", notation_t, "2020-05-11T10-20-30", 1589192430);
+        local_rows("T: milliseconds", notation_t, "2020-05-11T10:20:30.999", 1589192430);
+        local_rows("T: blank", notation_t, "2020-05-11 10:20:30", 1589192430);
+        local_rows("T: compact", notation_t, "20200511T102030", 1589192430);
+        local_rows("T: compact with Z", notation_t, "20200511T102030Z", 1589192430);
+        local_rows("T: compact date", notation_t, "20200511", 1589155200);
+        row("T: dashes with Z", notation_t, "2020-05-11T10:20:30Z", "");
+        row("T: before 1970", notation_t, "1969-12-31T23:59:58", "-2", "UTC");
+        row("T: blank text", notation_t, " ", "");
+        row("filtered: UTC", filtered, " 2020-05-11T10:20:30Z ", "1589192430");
+        row("filtered: offset is dropped", filtered, "2020-05-11T10:20:30+05:30", "1589192430");
+        row("filtered: local is taken as UTC", filtered, "2020-05-11T10:20:30", "1589192430");
+        row("filtered: zone behind a blank", filtered, "2020-05-11 10:20:30 +0530", "1589192430");
+        row("filtered: nine digits", filtered, "1973-03-03T09:46:40Z", "100000000");
+        row("filtered: eight digits", filtered, "1973-03-03T09:46:39Z", "");
+        row("filtered: before 1970", filtered, "1960-01-01T00:00:00Z", "");
+        row("filtered: blank", filtered, " ", "");
     }
 
 private Q_SLOTS:
     void initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
 
     void conversions_data() {
-        columns();
+        QTest::addColumn<converter>("convert");
+        QTest::addColumn<QByteArray>("zone");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("wanted");
         seconds_rows();
         named_month_rows();
         numeric_rows();
@@ -158,7 +136,8 @@ private Q_SLOTS:
         QFETCH(QByteArray, zone);
         QFETCH(QString, text);
         QFETCH(QString, wanted);
-        set_zone(zone.constData());
+        qputenv("TZ", zone);
+        ::tzset();
         const QString got = convert(text);
         QCOMPARE(got, wanted);
         QVERIFY(!got.isNull());
@@ -167,13 +146,13 @@ private Q_SLOTS:
     void zone_seconds_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("seconds");
-        QTest::newRow("ahead") << QStringLiteral("0530") << 19800;
-        QTest::newRow("hours only") << QStringLiteral("07") << 25200;
-        QTest::newRow("sign is part of the hours") << QStringLiteral("-130") << -1800;
+        QTest::newRow("ahead") << "0530"_q << 19800;
+        QTest::newRow("hours only") << "07"_q << 25200;
+        QTest::newRow("sign is part of the hours") << "-130"_q << -1800;
         QTest::newRow("empty") << QString() << 0;
-        QTest::newRow("words") << QStringLiteral("UTC") << 0;
-        QTest::newRow("largest") << QStringLiteral("0035791394") << 2147483640;
-        QTest::newRow("beyond an int") << QStringLiteral("0035791395") << 0;
+        QTest::newRow("words") << "UTC"_q << 0;
+        QTest::newRow("largest") << "0035791394"_q << 2147483640;
+        QTest::newRow("beyond an int") << "0035791395"_q << 0;
     }
 
     void zone_seconds() {
@@ -183,31 +162,21 @@ private Q_SLOTS:
 
     void iso_date_keeps_its_offset_data() {
         QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("lines"); // of the log
-        QTest::newRow("at once") << QStringLiteral("2020-05-11T10:20:30+05:30") << 1;
-        QTest::newRow("second attempt") << QStringLiteral("2020-05-11 10:20:30 +0530 (IST)") << 2;
+        QTest::addColumn<QStringList>("log");
+        const QString function = "plugin_static_function::get_datetime_from_string_with_iso_date:-- "_q;
+        const QStringList start(function + "Start "_q);
+        QTest::newRow("at once") << "2020-05-11T10:20:30+05:30"_q << start;
+        QTest::newRow("second attempt") << "2020-05-11 10:20:30 +0530 (IST)"_q
+                                        << start + QStringList(function + "End "_q);
     }
 
     void iso_date_keeps_its_offset() {
         QFETCH(QString, text);
-        QFETCH(int, lines);
-        QTemporaryDir folder;
-        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info general;
-        general.debug_mode_status = true;
-        general.debug_print_in_file = true;
-        general.debug_file_path = folder.filePath(QStringLiteral("log"));
-        plugin_static_function::set_general_info(general);
-        const QDateTime time = plugin_static_function::get_datetime_from_string_with_iso_date(text);
-        plugin_static_function::close_debug_file();
-        plugin_static_function::set_essentials();
+        test_case_folder folder;
+        const QDateTime time = all::get_datetime_from_string_with_iso_date(text);
         QCOMPARE(time.toMSecsSinceEpoch(), qint64(1589172630000));
         QCOMPARE(time.offsetFromUtc(), 19800);
-        QFile log(general.debug_file_path);
-        QVERIFY(log.open(QIODevice::ReadOnly));
-        const QByteArrayList written = log.readAll().split('\n');
-        QCOMPARE(written.size(), lines + 1);
-        QVERIFY(written.at(0).endsWith(" Start "));
-        QVERIFY(lines == 1 || written.at(1).endsWith(" End "));
+        QTEST(folder.take_log(), "log");
     }
 };
 

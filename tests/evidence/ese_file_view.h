@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
-// An ESE file as libesedb sees it, with values as bytes and as text. Whatever libesedb refuses reads as "(refused)".
+// An ESE file as libesedb sees it, with values as bytes. Whatever libesedb refuses reads as "(refused)".
 #pragma once
 
 #include "ese/ese_handles.h"
 
-#include <QByteArray>
+#include <QByteArrayList>
 #include <QString>
 
 #include <memory>
-
-constexpr const char* refused = "(refused)";
 
 class record_view {
 public:
@@ -20,66 +18,38 @@ public:
     bool is_valid() const { return record != nullptr; }
     bool is_long(int index) const { return libesedb_record_is_long_value(record.get(), index, nullptr) == 1; }
 
-    // The stored bytes; a long value's are put together. NULL for a NULL value and an empty one, which look the same.
+    // The stored bytes; a long value's are put together. A NULL value and an empty one look the same.
     QByteArray bytes(int index) const {
-        if (is_long(index)) {
-            return long_bytes(index);
+        if (!is_long(index)) {
+            return sized(libesedb_record_get_value_data_size, libesedb_record_get_value_data, record.get(), index);
         }
-        size_t size = 0;
-        if (libesedb_record_get_value_data_size(record.get(), index, &size, nullptr) != 1) {
-            return refused;
-        }
-        QByteArray data(static_cast<int>(size), '\0');
-        auto* const at = reinterpret_cast<uint8_t*>(data.data());
-        if (size == 0) {
-            return {};
-        }
-        return libesedb_record_get_value_data(record.get(), index, at, size, nullptr) == 1 ? data : refused;
-    }
-
-    QString text(int index) const {
-        size_t size = 0;
-        if (is_long(index)) {
-            const auto value = ese::get_long_value(record.get(), index);
-            if (!value || libesedb_long_value_get_utf8_string_size(value.get(), &size, nullptr) != 1) {
-                return QLatin1String(refused);
-            }
-            QByteArray utf8(static_cast<int>(size), '\0');
-            auto* const at = reinterpret_cast<uint8_t*>(utf8.data());
-            const bool good = libesedb_long_value_get_utf8_string(value.get(), at, size, nullptr) == 1;
-            return good ? without_end(utf8) : QLatin1String(refused);
-        }
-        if (libesedb_record_get_value_utf8_string_size(record.get(), index, &size, nullptr) != 1) {
-            return QLatin1String(refused);
-        }
-        QByteArray utf8(static_cast<int>(size), '\0');
-        auto* const at = reinterpret_cast<uint8_t*>(utf8.data());
-        const bool good = libesedb_record_get_value_utf8_string(record.get(), index, at, size, nullptr) == 1;
-        return good ? without_end(utf8) : QLatin1String(refused);
-    }
-
-    int segments(int index) const {
         const auto value = ese::get_long_value(record.get(), index);
-        int count = -1;
-        if (value) {
-            libesedb_long_value_get_number_of_data_segments(value.get(), &count, nullptr);
+        return sized(libesedb_long_value_get_data_size, libesedb_long_value_get_data, value.get());
+    }
+    QByteArrayList all() const {
+        int count = 0;
+        libesedb_record_get_number_of_values(record.get(), &count, nullptr);
+        QByteArrayList values;
+        while (values.size() < count) {
+            values << bytes(values.size());
         }
+        return values;
+    }
+    int segments(int index) const {
+        int count = -1;
+        const auto value = ese::get_long_value(record.get(), index);
+        libesedb_long_value_get_number_of_data_segments(value.get(), &count, nullptr);
         return count;
     }
 
 private:
-    static QString without_end(const QByteArray& utf8) { return QString::fromUtf8(utf8.left(utf8.size() - 1)); }
-
-    QByteArray long_bytes(int index) const {
-        const auto value = ese::get_long_value(record.get(), index);
-        size64_t size = 0;
-        if (!value || libesedb_long_value_get_data_size(value.get(), &size, nullptr) != 1) {
-            return refused;
-        }
+    template <class Size, class Data, class... Place>
+    static QByteArray sized(Size get_size, Data get_data, Place... at) {
+        size_t size = 0;
+        const bool told = get_size(at..., &size, nullptr) == 1;
         QByteArray data(static_cast<int>(size), '\0');
-        auto* const at = reinterpret_cast<uint8_t*>(data.data());
-        const bool good = size == 0 || libesedb_long_value_get_data(value.get(), at, size, nullptr) == 1;
-        return good ? data : refused;
+        auto* const begin = reinterpret_cast<uint8_t*>(data.data());
+        return told && (size == 0 || get_data(at..., begin, size, nullptr) == 1) ? data : QByteArray("(refused)");
     }
 
     std::shared_ptr<libesedb_table_t> owner;
@@ -90,7 +60,6 @@ class table_view {
 public:
     explicit table_view(ese::table_handle handle) : shared(std::move(handle)) {}
 
-    bool is_valid() const { return shared != nullptr; }
     int rows() const { // -1: libesedb cannot tell
         int count = -1;
         return libesedb_table_get_number_of_records(shared.get(), &count, nullptr) == 1 ? count : -1;
@@ -99,11 +68,6 @@ public:
         libesedb_record_t* record = nullptr;
         libesedb_table_get_record(shared.get(), index, &record, nullptr);
         return record_view(shared, ese::record_handle(record));
-    }
-    int columns() const {
-        int count = -1;
-        libesedb_table_get_number_of_columns(shared.get(), &count, 0, nullptr);
-        return count;
     }
 
 private:
@@ -115,7 +79,9 @@ public:
     explicit file_view(const QString& path) : opened(ese::open_file(path.toLocal8Bit())) {}
 
     bool is_valid() const { return opened != nullptr; }
-    table_view table(const char* name) const { return table_view(ese::find_table(opened.get(), name)); }
+    table_view table(const std::string& name = "Table") const {
+        return table_view(ese::find_table(opened.get(), name.c_str()));
+    }
     int tables() const {
         int count = -1;
         libesedb_file_get_number_of_tables(opened.get(), &count, nullptr);

@@ -94,91 +94,86 @@ class test_reminder_procedure : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void equals_the_literal_walk_data();
-    void equals_the_literal_walk();
-    void cancelled_step_data();
-    void cancelled_step();
-};
-
-void test_reminder_procedure::equals_the_literal_walk_data() {
-    QTest::addColumn<int>("profiles");
-    QTest::addColumn<int>("databases");
-    QTest::newRow("one profile") << 1 << 80;
-    QTest::newRow("two profiles") << 2 << 60;
-    QTest::newRow("three profiles") << 3 << 60;
-}
-
-void test_reminder_procedure::equals_the_literal_walk() {
-    QFETCH(int, profiles);
-    QFETCH(int, databases);
-    QStringList users;
-    QList<QPair<QString, QString>> accounts;
-    for (int profile = 0; profile < profiles; ++profile) {
-        users << QStringLiteral("user%1").arg(profile);
-        accounts.append({users.last(), QString()});
-    }
-    const test_case_folder test_case(accounts);
-    int compared_rows = 0;
-    for (int seed = 0; seed < databases; ++seed) {
-        random_core random(static_cast<unsigned>(seed));
-        for (const QString& user : qAsConst(users)) {
-            write_core(core_path(test_case, user), random.content());
-            if (random.is_unreadable()) {
-                ese_truncate(QFile::encodeName(core_path(test_case, user)).constData(), 100);
-            }
+    void equals_the_literal_walk_data() {
+        QTest::addColumn<int>("profiles");
+        for (const int profiles : {1, 2, 3}) {
+            QTest::addRow("%d profiles", profiles) << profiles;
         }
-        const auto front = test_case.make_front();
-        front->find_source_file();
-        QCOMPARE(front->found_cortana_core_db_files().size(), profiles);
-        front->extract_timetriggers();
-        const QStringList rows = test_case.dump(QStringLiteral("time_reminders"), compared_columns).mid(compared_rows);
-        const QStringList wanted = literal_rows(front->found_cortana_core_db_files(), users);
-        QVERIFY2(rows == wanted, qPrintable(QStringLiteral("seed %1\nis\n%2\nwanted\n%3")
-                                                .arg(seed)
-                                                .arg(rows.join(QLatin1Char('\n')), wanted.join(QLatin1Char('\n')))));
-        compared_rows += rows.size();
     }
-    QVERIFY(compared_rows >= databases); // rows enough that the comparison means something
-}
 
-void test_reminder_procedure::cancelled_step_data() {
-    QTest::addColumn<int>("cancel_after"); // rows
-    QTest::addColumn<bool>("ends");
-    QTest::newRow("before the first file") << 0 << false;
-    QTest::newRow("between rows") << 1 << false;
-    QTest::newRow("after the last row") << 3 << true;
-}
+    void equals_the_literal_walk() {
+        QFETCH(int, profiles);
+        constexpr int databases = 70;
+        QStringList users;
+        QList<QPair<QString, QString>> accounts;
+        for (int profile = 0; profile < profiles; ++profile) {
+            users << QStringLiteral("user%1").arg(profile);
+            accounts.append({users.last(), QString()});
+        }
+        const test_case_folder test_case(accounts);
+        int compared_rows = 0;
+        for (int seed = 0; seed < databases; ++seed) {
+            random_core random(static_cast<unsigned>(seed));
+            for (const QString& user : qAsConst(users)) {
+                write_core(core_path(test_case, user), random.content());
+                if (random.is_unreadable()) {
+                    ese_truncate(QFile::encodeName(core_path(test_case, user)).constData(), 100);
+                }
+            }
+            const auto front = test_case.make_front();
+            front->find_source_file();
+            QCOMPARE(front->found_cortana_core_db_files().size(), profiles);
+            front->extract_timetriggers();
+            const QStringList rows =
+                test_case.dump(QStringLiteral("time_reminders"), compared_columns).mid(compared_rows);
+            const QStringList wanted = literal_rows(front->found_cortana_core_db_files(), users);
+            QVERIFY2(rows == wanted,
+                     qPrintable(QStringLiteral("seed %1\nis\n%2\nwanted\n%3")
+                                    .arg(seed)
+                                    .arg(rows.join(QLatin1Char('\n')), wanted.join(QLatin1Char('\n')))));
+            compared_rows += rows.size();
+        }
+        QVERIFY(compared_rows >= databases); // rows enough that the comparison means something
+    }
 
-void test_reminder_procedure::cancelled_step() {
-    QFETCH(int, cancel_after);
-    QFETCH(bool, ends);
-    using time_trigger = specific_table::struct_time_triggers_data;
-    test_case_folder test_case;
-    const QString path = core_path(test_case, QStringLiteral("anna"));
-    core_content content;
-    content.reminders = {reminder("only one")};
-    content.triggers = {trigger("a", 2), trigger("b", 2), trigger("c", 2)};
-    content.times = {time_row("a"), time_row("b"), time_row("c")};
-    write_core(path, content);
-    const QString root = test_case.root();
-    const QString database = test_case.database_path();
-    const QString none;
-    bool cancelled = cancel_after == 0;
-    int rows = 0;
-    const step_context context{root, none, database, none, cancelled, [&] { cancelled = ++rows == cancel_after; }};
-    const reminder_step<time_trigger> step{
-        {"f()", "started", "", "ended", {"", false, "", ""}, "INSERT INTO time_reminders(title) VALUES(?)"},
-        QStringLiteral("2"),
-        QStringLiteral("TimeTriggers"),
-        &specific_table::list_time_triggers_data,
-        {{"title", [](const reminder_row<time_trigger>& row) -> QVariant { return row.trigger.id; }}}};
-    std::unique_ptr<timetriggers> reader;
-    test_case.take_log();
-    run_reminder_step(context, step, reader, {path});
-    QVERIFY(!reader);
-    QCOMPARE(test_case.dump(QStringLiteral("time_reminders")).size(), cancel_after);
-    QCOMPARE(test_case.take_log().contains(QStringLiteral("f:-- ended")), ends);
-}
+    void cancelled_step_data() {
+        QTest::addColumn<int>("cancel_after"); // rows
+        QTest::addColumn<bool>("ends");
+        QTest::newRow("before the first file") << 0 << false;
+        QTest::newRow("between rows") << 1 << false;
+        QTest::newRow("after the last row") << 3 << true;
+    }
+
+    void cancelled_step() {
+        QFETCH(int, cancel_after);
+        using time_trigger = specific_table::struct_time_triggers_data;
+        test_case_folder test_case;
+        const QString path = core_path(test_case, QStringLiteral("anna"));
+        core_content content;
+        content.reminders = {reminder("only one")};
+        content.triggers = {trigger("a", 2), trigger("b", 2), trigger("c", 2)};
+        content.times = {time_row("a"), time_row("b"), time_row("c")};
+        write_core(path, content);
+        const QString root = test_case.root();
+        const QString database = test_case.database_path();
+        const QString none;
+        bool cancelled = cancel_after == 0;
+        int rows = 0;
+        const step_context context{root, none, database, none, cancelled, [&] { cancelled = ++rows == cancel_after; }};
+        const reminder_step<time_trigger> step{
+            {"f()", "started", "", "ended", {"", false, "", ""}, "INSERT INTO time_reminders(title) VALUES(?)"},
+            QStringLiteral("2"),
+            QStringLiteral("TimeTriggers"),
+            &specific_table::list_time_triggers_data,
+            {{"title", [](const reminder_row<time_trigger>& row) -> QVariant { return row.trigger.id; }}}};
+        std::unique_ptr<timetriggers> reader;
+        test_case.take_log();
+        run_reminder_step(context, step, reader, {path});
+        QVERIFY(!reader);
+        QCOMPARE(test_case.dump(QStringLiteral("time_reminders")).size(), cancel_after);
+        QTEST(test_case.take_log().contains(QStringLiteral("f:-- ended")), "ends");
+    }
+};
 
 QTEST_MAIN(test_reminder_procedure)
 #include "test_reminder_procedure.moc"

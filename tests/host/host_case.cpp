@@ -5,8 +5,6 @@
 #include "host/native_files.h"
 
 #include <QFile>
-#include <QJsonDocument>
-#include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QVariant>
@@ -20,21 +18,6 @@
 #include <linux/capability.h>
 
 namespace {
-
-class host_process : public QProcess {
-public:
-    explicit host_process(std::function<void()> in_child) : prepare(std::move(in_child)) {}
-
-protected:
-    void setupChildProcess() override {
-        if (prepare) {
-            prepare();
-        }
-    }
-
-private:
-    std::function<void()> prepare;
-};
 
 void add_to_snapshot(const QByteArray& folder, QStringList& entries) {
     for (const QByteArray& name : list_folder(folder).names) {
@@ -52,10 +35,6 @@ void add_to_snapshot(const QByteArray& folder, QStringList& entries) {
 }
 
 } // namespace
-
-QJsonObject host_answer::json() const {
-    return QJsonDocument::fromJson(out).object();
-}
 
 host_case::host_case() {
     make_folders(source() + "/Users");
@@ -100,11 +79,10 @@ QStringList host_case::snapshot() const {
 QStringList host_case::query(const QString& statement) const {
     QStringList values;
     {
-        QSqlDatabase opened = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), statement);
+        QSqlDatabase opened = QSqlDatabase::addDatabase(q("QSQLITE"), statement);
         opened.setDatabaseName(QString::fromUtf8(database()));
         opened.open();
-        QSqlQuery rows(statement, opened);
-        while (rows.next()) {
+        for (QSqlQuery rows(statement, opened); rows.next();) {
             values.append(rows.value(0).toString());
         }
     }
@@ -114,30 +92,25 @@ QStringList host_case::query(const QString& statement) const {
 
 QStringList host_case::filled(const QStringList& arguments) const {
     QStringList words = arguments;
-    words.replaceInStrings(QStringLiteral("{B}"), QString::fromUtf8(base()));
-    words.replaceInStrings(QStringLiteral("{S}"), QString::fromUtf8(source()));
-    words.replaceInStrings(QStringLiteral("{R}"), QString::fromUtf8(result()));
+    words.replaceInStrings(q("{B}"), QString::fromUtf8(base()));
+    words.replaceInStrings(q("{S}"), QString::fromUtf8(source()));
+    words.replaceInStrings(q("{R}"), QString::fromUtf8(result()));
     return words;
 }
 
 host_answer host_case::run(const QStringList& arguments, const std::function<void()>& in_child,
                            const QProcessEnvironment& environment) const {
-    host_process process(in_child);
+    host_process process;
+    process.in_child = in_child;
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(HOST_PROGRAM), filled(arguments));
     constexpr int hung = 120000;
-    host_answer answer;
-    if (process.waitForFinished(hung) && process.exitStatus() == QProcess::NormalExit) {
-        answer.code = process.exitCode();
-    }
-    answer.out = process.readAllStandardOutput();
-    answer.error = process.readAllStandardError();
-    return answer;
+    const bool ended = process.waitForFinished(hung) && process.exitStatus() == QProcess::NormalExit;
+    return {ended ? process.exitCode() : -1, process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
 host_answer host_case::extract(const QStringList& options, const std::function<void()>& in_child) const {
-    const QStringList paths{QStringLiteral("{S}"), QStringLiteral("{R}")};
-    return run(QStringList{QStringLiteral("extract"), QStringLiteral("--json")} + options + paths, in_child);
+    return run(QStringList{q("extract"), q("--json")} + options + QStringList{q("{S}"), q("{R}")}, in_child);
 }
 
 QByteArray read_file(const QByteArray& path) {

@@ -3,27 +3,36 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonDocument>
 #include <QJsonObject>
-#include <QMap>
+#include <QProcess>
 #include <QProcessEnvironment>
 #include <QStringList>
 #include <QTemporaryDir>
 
 #include <functional>
 
+inline QString q(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+// The built program; in_child runs in the new process before it.
+struct host_process : QProcess {
+    std::function<void()> in_child;
+    void setupChildProcess() override { in_child(); }
+};
+
 struct host_answer {
-    int code = -1; // exit code, -1 when the process crashed or hung
+    int code; // exit code, -1 when the process crashed or hung
     QByteArray out;
     QByteArray error;
-    QJsonObject json() const; // out as one JSON document
+    QJsonObject json() const { return QJsonDocument::fromJson(out).object(); }
 };
 
 class host_case {
 public:
     host_case();
     ~host_case(); // takes away what QTemporaryDir cannot name
-    host_case(const host_case&) = delete;
-    host_case& operator=(const host_case&) = delete;
 
     QByteArray base() const { return folder.path().toUtf8(); }
     QByteArray source() const { return base() + "/source"; } // made by the constructor, holds an empty Users/
@@ -42,12 +51,13 @@ public:
     // The first column of all rows that the statement gives from the result database.
     QStringList query(const QString& statement) const;
 
-    // "{B}", "{S}" and "{R}" in an argument stand for base, source and result. in_child runs in the new process
-    // before the program does.
-    host_answer run(const QStringList& arguments, const std::function<void()>& in_child = {},
-                    const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment()) const;
+    // "{B}", "{S}" and "{R}" in an argument stand for base, source and result.
+    host_answer run(
+        const QStringList& arguments, const std::function<void()>& in_child = [] {},
+        const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment()) const;
     // extract --json SOURCE RESULT with further options.
-    host_answer extract(const QStringList& options = {}, const std::function<void()>& in_child = {}) const;
+    host_answer extract(
+        const QStringList& options = {}, const std::function<void()>& in_child = [] {}) const;
     QStringList filled(const QStringList& arguments) const;
 
 private:

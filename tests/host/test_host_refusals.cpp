@@ -7,15 +7,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-class test_host_refusals : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void refuses_data();
-    void refuses();
-    void refuses_a_folder_without_permission();
-};
-
 namespace {
 
 // Everything that a row of the table may name: a source with one recording, and things in the way of results.
@@ -30,6 +21,8 @@ void prepare(const host_case& host) {
     host.make_folders(host.base() + "/with_database_link/Artifacts_Result/Cortana");
     host.make_folders(host.base() + "/database_is_folder/Artifacts_Result/Cortana/Cortana.sqlite");
     host.make_folders(host.base() + "/around/Artifacts_Result/Cortana/tmp/Users/anna");
+    host.make_folders(host.base() + "/closed");
+    ::chmod((host.base() + "/closed").constData(), 0555);
     const QByteArray links[][2] = {
         {host.source() + "/Users", "/into_source"},
         {"nowhere", "/dangling"},
@@ -43,83 +36,72 @@ void prepare(const host_case& host) {
 
 } // namespace
 
-void test_host_refusals::refuses_data() {
-    QTest::addColumn<QString>("arguments"); // separated by blanks
-    QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("words");
-    const auto row = [](const char* name, const char* arguments, int code, const char* words) {
-        QTest::newRow(name) << QString::fromLatin1(arguments) << code << QString::fromLatin1(words);
-    };
-    row("no command", "--", 2, "a command is missing");
-    row("unknown command", "extrat {S} {R}", 2, "did you mean 'extract'?");
-    row("unknown option", "extract --tabels x {S} {R}", 2, "tabels");
-    row("one folder", "extract {S}", 2, "two folders");
-    row("three folders", "extract {S} {R} {R}", 2, "two folders");
-    row("option without value", "extract {S} {R} --user", 2, "user");
-    row("unknown table", "extract --tables searches,cokies {S} {R}", 2, "'cokies'; did you mean 'cookies'?");
-    row("table in upper case", "extract --tables DOMSTORES {S} {R}", 2, "there is no table 'DOMSTORES'");
-    row("no table", "extract --tables= {S} {R}", 2, "there is no table ''");
-    row("source number", "extract --source-number 1x {S} {R}", 2, "'1x' is not a number");
-    row("user leads up", "extract --user .. {S} {R}", 2, "cannot name a profile folder");
-    row("user is a path", "extract --user ../anna {S} {R}", 2, "cannot name a profile folder");
-    row("domain user is a path", "extract --user anna=../bernd {S} {R}", 2, "cannot name a profile folder");
-    row("user without name", "extract --user =x {S} {R}", 2, "cannot name a profile folder");
-    row("log without file", "log", 2, "log takes one file");
-    row("log of nothing", "log {B}/missing", 2, "cannot be opened");
-    row("missing source", "extract {B}/missing {R}", 4, "No such file");
-    row("source is a file", "extract {B}/file {R}", 2, "is not a folder");
-    row("source without Users", "extract {B}/no_users {R}", 4, "holds no folder Users");
-    row("chosen user, source without Users", "extract --user anna {B}/no_users {R}", 4, "holds no folder Users");
-    row("Users is a file", "extract {B}/users_is_file {R}", 3, "Users: it is not a folder");
-    row("only system profiles", "extract {B}/only_public {R}", 4, "holds no profile");
-    row("result is a file", "extract {S} {B}/file", 5, "not a folder");
-    row("result below a file", "extract {S} {B}/file/x", 5, "Not a directory");
-    row("result is the source", "extract {S} {S}", 2, "inside the source");
-    row("result in the source", "extract {S} {S}/new/folder", 2, "inside the source");
-    row("result in the source by a link", "extract {S} {B}/into_source/new", 2, "inside the source");
-    row("result in the source by dots", "extract {S} {B}/no_users/../source/new", 2, "inside the source");
-    row("result by dots from nowhere", "extract {S} {B}/missing/../source/new", 5, "No such file");
-    row("result is a dangling link", "extract {S} {B}/dangling", 5, "a link on the way leads nowhere");
-    row("plugin folder in the source", "extract {S} {B}/with_plugin_link", 2, "inside the source");
-    row("database to be made in the source", "extract {S} {B}/with_database_link", 5, "leads nowhere");
-    row("database is a folder", "extract {S} {B}/database_is_folder", 5, "not a regular file");
-    row("source in the working folder", "extract {B}/around/Artifacts_Result/Cortana/tmp {B}/around", 2,
-        "the source lies in the plugin's folder");
-    row("log in the source", "extract --log {S}/log {S} {R}", 2, "inside the source");
-    row("log in a missing folder", "extract --log {B}/missing/log {S} {R}", 5, "its folder does not exist");
-    row("log is a folder", "extract --log {B}/no_users {S} {R}", 5, "not a regular file");
-    row("log is a device", "extract --log /dev/null {S} {R}", 5, "not a regular file");
-    row("log is the database", "extract --log {R}/Artifacts_Result/Cortana/Cortana.sqlite {S} {R}", 2,
-        "in the plugin's folder");
-    row("missing library", "extract --library {B}/missing.so {S} {R}", 1, "the plugin cannot be loaded");
-    row("library of another kind", "extract --library {B}/file {S} {R}", 1, "the plugin cannot be loaded");
-}
+class test_host_refusals : public QObject {
+    Q_OBJECT
 
-void test_host_refusals::refuses() {
-    QFETCH(QString, arguments);
-    QFETCH(int, code);
-    QFETCH(QString, words);
-    const host_case host;
-    prepare(host);
-    const QStringList before = host.snapshot();
-    const host_answer answer = host.run(arguments.split(QLatin1Char(' ')));
-    QVERIFY2(QString::fromUtf8(answer.error).contains(words), answer.error.constData());
-    QCOMPARE(answer.code, code);
-    QCOMPARE(answer.out, QByteArray());
-    QCOMPARE(host.snapshot(), before);
-}
-
-void test_host_refusals::refuses_a_folder_without_permission() {
-    const host_case host;
-    host.add_recording("anna", "a.wav");
-    host.make_folders(host.result());
-    ::chmod(host.result().constData(), 0555);
-    const QStringList before = host.snapshot();
-    const host_answer answer = host.extract({}, respect_permissions);
-    QVERIFY2(answer.error.contains("Permission denied"), answer.error.constData());
-    QCOMPARE(answer.code, 5);
-    QCOMPARE(host.snapshot(), before);
-}
+private Q_SLOTS:
+    void refuses_data() {
+        QTest::addColumn<QString>("arguments"); // separated by blanks
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("words");
+        const auto row = [](const char* name, const char* arguments, int code, const char* words) {
+            QTest::newRow(name) << q(arguments) << code << q(words);
+        };
+        row("no command", "--", 2, "a command is missing");
+        row("unknown command", "extrat {S} {R}", 2, "did you mean 'extract'?");
+        row("unknown option", "extract --tabels x {S} {R}", 2, "tabels");
+        row("three folders", "extract {S} {R} {R}", 2, "two folders");
+        row("option without value", "extract {S} {R} --user", 2, "user");
+        row("unknown table", "extract --tables searches,cokies {S} {R}", 2, "'cokies'; did you mean 'cookies'?");
+        row("table in upper case", "extract --tables DOMSTORES {S} {R}", 2, "there is no table 'DOMSTORES'");
+        row("source number", "extract --source-number 1x {S} {R}", 2, "'1x' is not a number");
+        row("user leads up", "extract --user .. {S} {R}", 2, "cannot name a profile folder");
+        row("user is a path", "extract --user ../anna {S} {R}", 2, "cannot name a profile folder");
+        row("domain user is a path", "extract --user anna=../bernd {S} {R}", 2, "cannot name a profile folder");
+        row("user without name", "extract --user =x {S} {R}", 2, "cannot name a profile folder");
+        row("log without file", "log", 2, "log takes one file");
+        row("log of nothing", "log {B}/missing", 2, "cannot be opened");
+        row("missing source", "extract {B}/missing {R}", 4, "No such file");
+        row("source is a file", "extract {B}/file {R}", 2, "is not a folder");
+        row("source without Users", "extract {B}/no_users {R}", 4, "holds no folder Users");
+        row("chosen user, source without Users", "extract --user anna {B}/no_users {R}", 4, "holds no folder Users");
+        row("Users is a file", "extract {B}/users_is_file {R}", 3, "Users: it is not a folder");
+        row("only system profiles", "extract {B}/only_public {R}", 4, "holds no profile");
+        row("result is a file", "extract {S} {B}/file", 5, "not a folder");
+        row("result below a file", "extract {S} {B}/file/x", 5, "Not a directory");
+        row("result is the source", "extract {S} {S}", 2, "inside the source");
+        row("result in the source", "extract {S} {S}/new/folder", 2, "inside the source");
+        row("result in the source by a link", "extract {S} {B}/into_source/new", 2, "inside the source");
+        row("result in the source by dots", "extract {S} {B}/no_users/../source/new", 2, "inside the source");
+        row("result by dots from nowhere", "extract {S} {B}/missing/../source/new", 5, "No such file");
+        row("result is a dangling link", "extract {S} {B}/dangling", 5, "a link on the way leads nowhere");
+        row("plugin folder in the source", "extract {S} {B}/with_plugin_link", 2, "inside the source");
+        row("database to be made in the source", "extract {S} {B}/with_database_link", 5, "leads nowhere");
+        row("database is a folder", "extract {S} {B}/database_is_folder", 5, "not a regular file");
+        row("source in the working folder", "extract {B}/around/Artifacts_Result/Cortana/tmp {B}/around", 2,
+            "the source lies in the plugin's folder");
+        row("log in the source", "extract --log {S}/log {S} {R}", 2, "inside the source");
+        row("log in a missing folder", "extract --log {B}/missing/log {S} {R}", 5, "its folder does not exist");
+        row("log is a folder", "extract --log {B}/no_users {S} {R}", 5, "not a regular file");
+        row("log is the database", "extract --log {R}/Artifacts_Result/Cortana/Cortana.sqlite {S} {R}", 2,
+            "in the plugin's folder");
+        row("missing library", "extract --library {B}/missing.so {S} {R}", 1, "the plugin cannot be loaded");
+        row("library of another kind", "extract --library {B}/file {S} {R}", 1, "the plugin cannot be loaded");
+        row("result without permission", "extract {S} {B}/closed", 5, "Permission denied");
+    }
+    void refuses() {
+        QFETCH(QString, arguments);
+        QFETCH(QString, words);
+        const host_case host;
+        prepare(host);
+        const QStringList before = host.snapshot();
+        const host_answer answer = host.run(arguments.split(QLatin1Char(' ')), respect_permissions);
+        QVERIFY2(QString::fromUtf8(answer.error).contains(words), answer.error.constData());
+        QTEST(answer.code, "code");
+        QCOMPARE(answer.out, QByteArray());
+        QCOMPARE(host.snapshot(), before);
+    }
+};
 
 QTEST_GUILESS_MAIN(test_host_refusals)
 #include "test_host_refusals.moc"

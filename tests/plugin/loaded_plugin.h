@@ -3,9 +3,12 @@
 #pragma once
 
 #include "plugin/host_interface.h"
+#include "tests/support/test_text.h"
 
+#include <QFile>
 #include <QLibrary>
 #include <QObject>
+#include <QRegularExpression>
 #include <QVector>
 
 #include <memory>
@@ -19,14 +22,37 @@ public:
     host_interface* cancel_at_table_1 = nullptr;
 
 public Q_SLOTS:
-    void records(qint64 count) { seen << QStringLiteral("records %1").arg(count); }
+    void records(qint64 count) { seen << "records %1"_q.arg(count); }
     void tables(int count) {
-        seen << QStringLiteral("tables %1").arg(count);
+        seen << "tables %1"_q.arg(count);
         if (cancel_at_table_1 != nullptr) {
             cancel_at_table_1->pub_cancel_extraction();
         }
     }
 };
+
+// A run's settings, with what most runs share.
+struct run_settings {
+    QString root;   // ends in "/"
+    QString result; // the debug log stands beside it: result + ".log"
+    QStringList tables = {"latest_audio_search"_q};
+    QStringList users = {"anna"_q};
+    int engine_type = 0;
+    QString scheme = "winOS"_q;
+    bool encipher = false;
+    QString database() const { return result + "/Artifacts_Result/Cortana/Cortana.sqlite"_q; }
+};
+
+// Lines of a log without their times, the path shortened to a word.
+inline QStringList without_times(QStringList lines, const QString& path, const QString& word) {
+    lines.replaceInStrings(QRegularExpression("^\\[[^\\]]*\\]"_q), QString());
+    return lines.replaceInStrings(path, word);
+}
+
+inline QByteArray whole_file(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
 class loaded_plugin {
 public:
@@ -39,6 +65,37 @@ public:
         object.reset(static_cast<host_interface*>(create()));
         QObject::connect(object.get(), CORTANA_RECORDS_SIGNAL, &signals_seen, SLOT(records(qint64)));
         QObject::connect(object.get(), CORTANA_TABLES_SIGNAL, &signals_seen, SLOT(tables(int)));
+    }
+    void set_source(const run_settings& settings) const {
+        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
+        source.fs_extraction_source_path = settings.root;
+        source.os_scheme_display = "Windows"_q;
+        source.os_scheme_internal = settings.scheme;
+        for (const QString& user : settings.users) {
+            source.system_account_QList.append({user, "CORP\\"_q + user});
+        }
+        object->pub_set_source_info(source);
+    }
+    // Everything that a host does before the search.
+    void set_up(const run_settings& settings) const {
+        object->pub_set_essentials();
+        object->pub_set_engine_type(settings.engine_type);
+        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info general;
+        general.debug_mode_status = general.debug_print_in_file = true;
+        general.debug_encryption_status = settings.encipher;
+        general.debug_file_path = settings.result + ".log"_q;
+        object->pub_set_general_info(general);
+        object->pub_set_desktop_info({});
+        set_source(settings);
+        object->pub_set_source_count(1);
+        object->pub_set_essential_for_vantor_desk_extraction(settings.tables, {"ignored"_q});
+        object->pub_set_result_directory(settings.result);
+        object->pub_create_db_tables();
+    }
+    void extract() const {
+        object->pub_find_source_file();
+        object->pub_extract_artifacts();
+        object->pub_remove_temporary_asthetics();
     }
     host_interface* operator->() const { return object.get(); }
     host_interface* get() const { return object.get(); }

@@ -25,8 +25,7 @@ struct behind_qframe : QFrame {
 
 QStringList symbol_lines(const QStringList& options) {
     QProcess nm;
-    nm.start(QStringLiteral("nm"),
-             options + QStringList({QStringLiteral("--defined-only"), QStringLiteral(PLUGIN_LIBRARY)}));
+    nm.start("nm"_q, options + QStringList({"--defined-only"_q, QStringLiteral(PLUGIN_LIBRARY)}));
     if (!nm.waitForFinished() || nm.exitCode() != 0) {
         qFatal("nm does not run");
     }
@@ -40,9 +39,9 @@ class test_plugin_library : public QObject {
 
 private Q_SLOTS:
     void exports_one_symbol() {
-        const QStringList lines = symbol_lines({QStringLiteral("-D")});
+        const QStringList lines = symbol_lines({"-D"_q});
         QCOMPARE(lines.size(), 1);
-        QVERIFY2(lines.first().endsWith(QLatin1String(" T create_object")), qPrintable(lines.first()));
+        QVERIFY2(lines.first().endsWith(" T create_object"_q), qPrintable(lines.first()));
     }
 
     // Reads the loaded object's virtual table and finds out by address which function stands in which slot.
@@ -68,7 +67,7 @@ private Q_SLOTS:
             "pub_remove_temporary_asthetics()",
         };
         QHash<quintptr, QString> function_at;
-        for (const QString& line : symbol_lines({QStringLiteral("-C")})) {
+        for (const QString& line : symbol_lines({"-C"_q})) {
             function_at.insert(static_cast<quintptr>(line.section(QLatin1Char(' '), 0, 0).toULongLong(nullptr, 16)),
                                line.section(QLatin1Char(' '), 2));
         }
@@ -80,8 +79,7 @@ private Q_SLOTS:
         const auto base = reinterpret_cast<quintptr>(where.dli_fbase);
         quintptr slot = first;
         for (const char* name : wanted) {
-            QCOMPARE(function_at.value(table[slot] - base), QStringLiteral("cortana::") + QLatin1String(name));
-            ++slot;
+            QCOMPARE(function_at.value(table[slot++] - base), "cortana::"_q + QLatin1String(name));
         }
         QCOMPARE(slot_of(&host_interface::pub_set_engine_type), first);
         QCOMPARE(slot_of(&host_interface::pub_remove_temporary_asthetics), slot - 1);
@@ -95,17 +93,16 @@ private Q_SLOTS:
         for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
             own << QString::fromLatin1(meta->method(i).methodSignature());
         }
-        QCOMPARE(own, QStringList({QStringLiteral("signal_extracted_records_of_plugin_overall(qlonglong)"),
-                                   QStringLiteral("signal_tab_processed_of_plugin_overall(int)"),
-                                   QStringLiteral("slot_m_process_finished(int)"),
-                                   QStringLiteral("slot_extracted_records_of_plugin(qlonglong)"),
-                                   QStringLiteral("slot_total_tabs_processed(int)")}));
+        QCOMPARE(own,
+                 QStringList({"signal_extracted_records_of_plugin_overall(qlonglong)"_q,
+                              "signal_tab_processed_of_plugin_overall(int)"_q, "slot_m_process_finished(int)"_q,
+                              "slot_extracted_records_of_plugin(qlonglong)"_q, "slot_total_tabs_processed(int)"_q}));
     }
 
     void frame_form() {
         const loaded_plugin plugin;
-        QCOMPARE(plugin->objectName(), QStringLiteral("cortana"));
-        QCOMPARE(plugin->windowTitle(), QStringLiteral("Frame"));
+        QCOMPARE(plugin->objectName(), "cortana"_q);
+        QCOMPARE(plugin->windowTitle(), "Frame"_q);
         QCOMPARE(plugin->size(), QSize(400, 300));
         QCOMPARE(int(plugin->frameShape()), int(QFrame::StyledPanel));
         QCOMPARE(int(plugin->frameShadow()), int(QFrame::Raised));
@@ -113,8 +110,7 @@ private Q_SLOTS:
         for (const QObject* child : plugin->children()) {
             children << QString::fromLatin1(child->metaObject()->className());
         }
-        QCOMPARE(children.mid(0, 3), QStringList({QStringLiteral("cortana_macos"), QStringLiteral("cortana_ios_uid"),
-                                                  QStringLiteral("cortana_winos")}));
+        QCOMPARE(children.mid(0, 3), QStringList({"cortana_macos"_q, "cortana_ios_uid"_q, "cortana_winos"_q}));
         QCOMPARE(children.size(), 4); // and the helper object
     }
 };

@@ -6,27 +6,23 @@
 
 #include <QDir>
 #include <QDirIterator>
-#include <QRegularExpression>
 #include <QtTest>
 
 namespace {
 
-const QStringList tables = {QStringLiteral("time_reminders"),   QStringLiteral("place_reminders"),
-                            QStringLiteral("contact_triggers"), QStringLiteral("latest_audio_search"),
-                            QStringLiteral("graphed_cache"),    QStringLiteral("cache_files"),
-                            QStringLiteral("cookies"),          QStringLiteral("domstore"),
-                            QStringLiteral("searches")};
+const QStringList tables = {"time_reminders"_q, "place_reminders"_q, "contact_triggers"_q, "latest_audio_search"_q,
+                            "graphed_cache"_q,  "cache_files"_q,     "cookies"_q,          "domstore"_q,
+                            "searches"_q};
 
-// Every file and folder below path with its size, and every file's content.
-QMap<QString, QByteArray> everything_below(const QString& path) {
+// Every file and folder below top with its size, and every file's content.
+QMap<QString, QByteArray> everything_below(const QString& top) {
     QMap<QString, QByteArray> found;
-    QDirIterator entries(path, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+    QDirIterator entries(top, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                          QDirIterator::Subdirectories);
     while (entries.hasNext()) {
-        QFile file(entries.next());
-        const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("a folder");
-        const QDateTime changed = entries.fileInfo().lastModified();
-        found.insert(entries.filePath(), content + changed.toString(Qt::ISODateWithMs).toUtf8());
+        const QString path = entries.next();
+        const QByteArray changed = entries.fileInfo().lastModified().toString(Qt::ISODateWithMs).toUtf8();
+        found.insert(path, (entries.fileInfo().isDir() ? QByteArray("a folder") : whole_file(path)) + changed);
     }
     return found;
 }
@@ -37,82 +33,60 @@ class test_sample_source : public QObject {
     Q_OBJECT
 
     QTemporaryDir folder;
-    QString root() const { return folder.path() + QStringLiteral("/source/"); }
+    QString root() const { return folder.path() + "/source/"_q; }
 
     void run(const QStringList& users, const QString& result) const {
         const loaded_plugin plugin;
-        plugin->pub_set_essentials();
-        plugin->pub_set_engine_type(0);
-        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info general;
-        general.debug_mode_status = general.debug_print_in_file = true;
-        general.debug_file_path = result + QStringLiteral(".log");
-        plugin->pub_set_general_info(general);
-        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
-        source.fs_extraction_source_path = root();
-        source.os_scheme_display = QStringLiteral("Windows");
-        source.os_scheme_internal = QStringLiteral("winOS");
-        for (const QString& user : users) {
-            source.system_account_QList.append({user, QStringLiteral("CORP\\") + user});
-        }
-        plugin->pub_set_source_info(source);
-        plugin->pub_set_source_count(1);
-        plugin->pub_set_essential_for_vantor_desk_extraction(tables, {});
-        plugin->pub_set_result_directory(result);
-        plugin->pub_create_db_tables();
-        plugin->pub_find_source_file();
-        plugin->pub_extract_artifacts();
-        plugin->pub_remove_temporary_asthetics();
+        plugin.set_up({root(), result, tables, users});
+        plugin.extract();
     }
 
     QStringList all_rows(const QString& result) const {
         QStringList lines;
         for (const QString& table : tables) {
-            const QString path = result + QStringLiteral("/Artifacts_Result/Cortana/Cortana.sqlite");
+            const QString path = run_settings{root(), result}.database();
             for (QString row : dump_table(path, table)) {
                 if (table == QLatin1String("latest_audio_search")) {
-                    static const QRegularExpression machine_times(QStringLiteral("_time=integer:\\d+"));
-                    row.replace(machine_times, QStringLiteral("_time=integer:TIME"));
+                    static const QRegularExpression machine_times("_time=integer:\\d+"_q);
+                    row.replace(machine_times, "_time=integer:TIME"_q);
                 }
-                lines << table + QStringLiteral(": ") + row.replace(QLatin1Char('\n'), QStringLiteral("\\n"));
+                lines << table + ": "_q + row.replace(QLatin1Char('\n'), "\\n"_q);
             }
         }
         return lines;
     }
 
     QStringList log_lines(const QString& result) const {
-        QFile file(result + QStringLiteral(".log"));
-        QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-        text.replace(QRegularExpression(QStringLiteral("^\\[[^\\]]*\\]"), QRegularExpression::MultilineOption),
-                     QString());
-        return text.replace(root(), QStringLiteral("ROOT/")).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        const QString text = QString::fromUtf8(whole_file(result + ".log"_q));
+        return without_times(text.split(QLatin1Char('\n'), Qt::SkipEmptyParts), root(), "ROOT/"_q);
     }
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(write_sample_source(root())); }
 
     void one_profile() {
-        const QString result = folder.filePath(QStringLiteral("one"));
+        const QString result = folder.filePath("one"_q);
         const auto before = everything_below(root());
-        run({QStringLiteral("anna")}, result);
+        run({"anna"_q}, result);
         QCOMPARE(everything_below(root()), before); // evidence is never changed
-        const bool same_rows = matches_golden(all_rows(result), QStringLiteral(GOLDEN_DIR "/sample_rows.txt"));
-        const bool same_log = matches_golden(log_lines(result), QStringLiteral(GOLDEN_DIR "/sample_log.txt"));
+        const bool same_rows = matches_golden(all_rows(result), GOLDEN_DIR "/sample_rows.txt"_q);
+        const bool same_log = matches_golden(log_lines(result), GOLDEN_DIR "/sample_log.txt"_q);
         QVERIFY(same_rows && same_log);
     }
 
     // One run over both: the same rows as one run each, but in the reminder tables, where the list positions go on over
     // both files: the first profile's rows come again under the second user, and the second one's pair otherwise.
     void both_profiles_in_one_run() {
-        const QString apart = folder.filePath(QStringLiteral("apart"));
-        run({QStringLiteral("anna")}, apart);
-        run({QStringLiteral("bernd")}, apart);
-        const QString together = folder.filePath(QStringLiteral("together"));
-        run({QStringLiteral("anna"), QStringLiteral("bernd")}, together);
+        const QString apart = folder.filePath("apart"_q);
+        run({"anna"_q}, apart);
+        run({"bernd"_q}, apart);
+        const QString together = folder.filePath("together"_q);
+        run({"anna"_q, "bernd"_q}, together);
         const auto without_keys = [](QStringList rows) {
-            return rows.replaceInStrings(QRegularExpression(QStringLiteral("INT=integer:\\d+")), QString());
+            return rows.replaceInStrings(QRegularExpression("INT=integer:\\d+"_q), QString());
         };
-        const QRegularExpression reminders(QStringLiteral("^(time_reminders|place_reminders|contact_triggers): "));
-        const QString of_anna = QStringLiteral("system_user=text:anna");
+        const QRegularExpression reminders("^(time_reminders|place_reminders|contact_triggers): "_q);
+        const QString of_anna = "system_user=text:anna"_q;
         QStringList added = without_keys(all_rows(together));
         QStringList lost;
         for (const QString& row : without_keys(all_rows(apart))) {

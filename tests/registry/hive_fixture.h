@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What tests of hives share: a file for a hive in a temporary folder, and values whose data is their own name.
+// What tests of hives share: a file for a hive in a temporary folder, values, and short ways to write texts.
 #pragma once
 
 #include "evidence/hive_writer.h"
@@ -20,6 +20,15 @@ public:
 private:
     QTemporaryDir folder;
 };
+
+inline QString q(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+// "a|b|c" as three texts, "" as none.
+inline QStringList list_of(const char* texts) {
+    return q(texts).split(QLatin1Char('|'), Qt::SkipEmptyParts);
+}
 
 inline hive_value value_of(const QString& name, const QByteArray& data = "data") {
     return {name, hive_t_REG_BINARY, data};

@@ -8,146 +8,115 @@
 
 namespace {
 
-using values_by_path = QVector<QPair<QString, QStringList>>;
-
-// Each record as key|value|data.
+// Each record as key/value/data.
 template <class Walker>
 QStringList gathered(const QByteArray& bytes) {
     const hive_file file(bytes);
     Walker walker;
-    if (walker.start_registry_parse(file.path(), QStringLiteral("start"), false) != 0) {
-        return {QStringLiteral("not read")};
+    if (walker.start_registry_parse(file.path(), q("start"), false) != 0) {
+        return {q("not read")};
     }
     QStringList records;
     for (const registry::my_data_inst_apps& record : qAsConst(walker.record_list)) {
-        records << record.key_name + QLatin1Char('|') + record.value_name + QLatin1Char('|') +
-                       QString::fromLatin1(record.value_data.toHex());
+        records << QStringList{record.key_name, record.value_name, q(record.value_data.toHex().constData())}.join(
+            QLatin1Char('/'));
     }
     return records;
 }
 
 } // namespace
 
-Q_DECLARE_METATYPE(values_by_path)
-
 class test_search_walkers : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void recents_data();
-    void recents();
-    void recents_data_is_raw_data();
-    void recents_data_is_raw();
-    void shared_data_is_not_copied_without_end();
-    void com();
-    void names_of_any_bytes();
-};
-
-void test_search_walkers::recents_data() {
-    QTest::addColumn<values_by_path>("hive");
-    QTest::addColumn<QStringList>("records");
-    const QString key = QStringLiteral("start\\.&input=x");
-    QTest::newRow("hive order, no order list")
-        << values_by_path{{key,
-                           {QStringLiteral("1"), QStringLiteral("MRUListEx"), QStringLiteral("0"),
-                            QStringLiteral("MRUListExtra"), QStringLiteral("mrulistex"), QString()}}}
-        << QStringList{QStringLiteral(".&input=x|1|00"), QStringLiteral(".&input=x|0|00"),
-                       QStringLiteral(".&input=x|mrulistex|00"), QStringLiteral(".&input=x||00")};
-    QTest::newRow("prefix only") << values_by_path{{QStringLiteral("start\\.&INPUT=x"), {QStringLiteral("0")}},
-                                                   {QStringLiteral("start\\&input=x"), {QStringLiteral("0")}},
-                                                   {QStringLiteral("start\\.&input"), {QStringLiteral("0")}},
-                                                   {QStringLiteral("start"), {QStringLiteral("0")}}}
-                                 << QStringList();
-    QTest::newRow("own values of a key with subkeys are left out")
-        << values_by_path{{key, {QStringLiteral("own")}},
-                          {key + QStringLiteral("\\b"), {QStringLiteral("nested")}},
-                          {key + QStringLiteral("\\b\\c"), {QStringLiteral("deeper")}},
-                          {QStringLiteral("start\\.docx\\b"), {QStringLiteral("other")}}}
-        << QStringList{QStringLiteral(".&input=x|nested|00"), QStringLiteral(".&input=x|deeper|00")};
-    QTest::newRow("keys in code-unit order")
-        << values_by_path{{QStringLiteral("start\\.&input=b"), {QStringLiteral("0")}},
-                          {QStringLiteral("start\\.&input=a"), {QStringLiteral("0")}},
-                          {QStringLiteral("start\\.&input=Z"), {QStringLiteral("0")}}}
-        << QStringList{QStringLiteral(".&input=Z|0|00"), QStringLiteral(".&input=a|0|00"),
-                       QStringLiteral(".&input=b|0|00")};
-}
-
-void test_search_walkers::recents() {
-    QFETCH(values_by_path, hive);
-    hive_writer writer;
-    for (const auto& [path, names] : qAsConst(hive)) {
-        QVector<hive_value> values;
-        for (const QString& name : names) {
-            values.append(value_of(name, QByteArray(1, '\0')));
+    void recents_data() {
+        QTest::addColumn<QStringList>("hive"); // key:value:value...
+        QTest::addColumn<QStringList>("records");
+        const auto row = [](const char* name, const char* hive, const char* records) {
+            QTest::newRow(name) << list_of(hive) << list_of(records);
+        };
+        row("hive order, no order list", "start\\.&input=x:1:MRUListEx:0:MRUListExtra:mrulistex:",
+            ".&input=x/1/00|.&input=x/0/00|.&input=x/mrulistex/00|.&input=x//00");
+        row("prefix only", "start\\.&INPUT=x:0|start\\&input=x:0|start\\.&input:0|start:0", "");
+        row("own values of a key with subkeys are left out",
+            "start\\.&input=x:own|start\\.&input=x\\b:nested|start\\.&input=x\\b\\c:deeper|start\\.docx\\b:other",
+            ".&input=x/nested/00|.&input=x/deeper/00");
+        row("keys in code-unit order", "start\\.&input=b:0|start\\.&input=a:0|start\\.&input=Z:0",
+            ".&input=Z/0/00|.&input=a/0/00|.&input=b/0/00");
+    }
+    void recents() {
+        QFETCH(QStringList, hive);
+        hive_writer writer;
+        for (const QString& key : qAsConst(hive)) {
+            QStringList names = key.split(QLatin1Char(':'));
+            const auto path = writer.add_path(names.takeFirst());
+            QVector<hive_value> values;
+            for (const QString& name : qAsConst(names)) {
+                values.append(value_of(name, QByteArray(1, '\0')));
+            }
+            writer.set_values(path, values);
         }
-        writer.set_values(writer.add_path(path), values);
+        QTEST(gathered<text_search_registry>(writer.bytes()), "records");
     }
-    QTEST(gathered<text_search_registry>(writer.bytes()), "records");
-}
 
-void test_search_walkers::recents_data_is_raw_data() {
-    QTest::addColumn<QByteArray>("data");
-    QTest::newRow("none") << QByteArray();
-    QTest::newRow("kept in the value's cell") << QByteArray("abc");
-    QTest::newRow("odd length with zeros") << QByteArray("a\0b\0c", 5);
-    QTest::newRow("1 MB") << QByteArray(1000000, '\x7f');
-}
-
-void test_search_walkers::recents_data_is_raw() {
-    QFETCH(QByteArray, data);
-    hive_writer writer;
-    writer.set_values(writer.add_path(QStringLiteral("start\\.&input=x")), {value_of(QStringLiteral("0"), data)});
-    QCOMPARE(gathered<text_search_registry>(writer.bytes()),
-             QStringList{QStringLiteral(".&input=x|0|") + QString::fromLatin1(data.toHex())});
-}
-
-// 1,000 values that all point at the same megabyte.
-void test_search_walkers::shared_data_is_not_copied_without_end() {
-    hive_writer writer;
-    QVector<hive_value> values{value_of(QStringLiteral("large"), QByteArray(1000000, 'x'))};
-    for (int i = 0; i < 1000; ++i) {
-        values.append(value_of(QStringLiteral("v%1").arg(i), "small data"));
+    void recents_data_is_raw_data() {
+        QTest::addColumn<QByteArray>("data");
+        QTest::newRow("none") << QByteArray();
+        QTest::newRow("kept in the value's cell") << QByteArray("abc");
+        QTest::newRow("odd length with zeros") << QByteArray("a\0b\0c", 5);
+        QTest::newRow("1 MB") << QByteArray(1000000, '\x7f');
     }
-    const auto key = writer.add_path(QStringLiteral("start\\.&input=x"));
-    writer.set_values(key, values);
-    const hive_file file(hive_damage::with_shared_data(writer.bytes(), key));
-    text_search_registry walker;
-    QCOMPARE(walker.start_registry_parse(file.path(), QStringLiteral("start"), false), 0);
-    qint64 bytes = 0;
-    for (const registry::my_data_inst_apps& record : qAsConst(walker.record_list)) {
-        bytes += record.value_data.size();
+    void recents_data_is_raw() {
+        QFETCH(QByteArray, data);
+        hive_writer writer;
+        writer.set_values(writer.add_path(q("start\\.&input=x")), {value_of(q("0"), data)});
+        QCOMPARE(gathered<text_search_registry>(writer.bytes()),
+                 QStringList{q((".&input=x/0/" + data.toHex()).constData())});
     }
-    QVERIFY(bytes >= 1000000);
-    QVERIFY(bytes <= 2 * QFileInfo(file.path()).size());
-}
 
-void test_search_walkers::com() {
-    hive_writer writer;
-    const QString names[] = {QStringLiteral(".company"), QStringLiteral(".com"),
-                             QStringLiteral(".COM2"),    QStringLiteral("x.com"),
-                             QStringLiteral(".co"),      QStringLiteral(".com/search?q=\u00e9&")};
-    for (const QString& name : names) {
-        writer.set_values(writer.add_path(QStringLiteral("start\\") + name + QStringLiteral("\\.com.below")),
-                          {value_of(QStringLiteral("0"))});
+    // 1,000 values that all point at the same megabyte.
+    void shared_data_is_not_copied_without_end() {
+        hive_writer writer;
+        QVector<hive_value> values{value_of(q("large"), QByteArray(1000000, 'x'))};
+        for (int i = 0; i < 1000; ++i) {
+            values.append(value_of(QString::number(i), "small data"));
+        }
+        const auto key = writer.add_path(q("start\\.&input=x"));
+        writer.set_values(key, values);
+        const hive_file file(hive_damage::with_shared_data(writer.bytes(), key));
+        text_search_registry walker;
+        QCOMPARE(walker.start_registry_parse(file.path(), q("start"), false), 0);
+        qint64 bytes = 0;
+        for (const registry::my_data_inst_apps& record : qAsConst(walker.record_list)) {
+            bytes += record.value_data.size();
+        }
+        QVERIFY(bytes >= 1000000);
+        QVERIFY(bytes <= 2 * QFileInfo(file.path()).size());
     }
-    QCOMPARE(gathered<search_from_com>(writer.bytes()),
-             (QStringList{QStringLiteral(".com||"), QStringLiteral(".com/search?q=\u00c3\u00a9&||"),
-                          QStringLiteral(".company||")}));
-}
 
-// Key names are one byte a character in the hive; each byte in turn stands at the end of a name.
-void test_search_walkers::names_of_any_bytes() {
-    hive_writer writer;
-    writer.add_path(QStringLiteral("start\\.com@any"));
-    const QByteArray sound = writer.bytes();
-    for (int byte = 0; byte < 256; ++byte) {
-        QByteArray hive = sound;
-        hive_damage::replace_bytes(hive, ".com@any", QByteArray(".com") + static_cast<char>(byte) + "any");
-        const QByteArray name = QString(QChar(byte)).toUtf8();
-        const QString wanted = byte == 0 ? QString() : QString::fromLatin1(name) + QStringLiteral("any");
-        QCOMPARE(gathered<search_from_com>(hive), QStringList{QStringLiteral(".com") + wanted + QStringLiteral("||")});
+    void com() {
+        hive_writer writer;
+        for (const char* const name : {".company", ".com", ".COM2", "x.com", ".co", ".com/search?q=\u00e9&"}) {
+            writer.set_values(writer.add_path(q("start\\") + q(name) + q("\\.com.below")), {value_of(q("0"))});
+        }
+        QCOMPARE(gathered<search_from_com>(writer.bytes()), list_of(".com//|.com/search?q=\u00c3\u00a9&//|.company//"));
     }
-}
+
+    // Key names are one byte a character in the hive; each byte in turn stands at the end of a name.
+    void names_of_any_bytes() {
+        hive_writer writer;
+        writer.add_path(q("start\\.com@any"));
+        const QByteArray sound = writer.bytes();
+        for (int byte = 0; byte < 256; ++byte) {
+            QByteArray hive = sound;
+            hive_damage::replace_bytes(hive, ".com@any", QByteArray(".com") + static_cast<char>(byte) + "any");
+            const QByteArray name = QString(QChar(byte)).toUtf8();
+            const QString wanted = byte == 0 ? QString() : QString::fromLatin1(name) + q("any");
+            QCOMPARE(gathered<search_from_com>(hive), QStringList{q(".com") + wanted + q("//")});
+        }
+    }
+};
 
 QTEST_GUILESS_MAIN(test_search_walkers)
 #include "test_search_walkers.moc"

@@ -17,26 +17,25 @@ namespace {
 // A connection of its own for one use.
 class test_database {
 public:
-    explicit test_database(const QString& path)
-        : database(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("test_database"))) {
+    explicit test_database(const QString& path) {
         database.setDatabaseName(path);
         if (!database.open()) {
             qFatal("cannot open %s", qPrintable(path));
         }
     }
     ~test_database() {
-        database.close();
         database = QSqlDatabase();
-        QSqlDatabase::removeDatabase(QStringLiteral("test_database"));
+        QSqlDatabase::removeDatabase("test_database"_q);
     }
-    QSqlDatabase database;
+    QSqlQuery run(const QString& statement) const {
+        QSqlQuery query(database);
+        if (!query.exec(statement)) {
+            qFatal("%s: %s", qPrintable(statement), qPrintable(query.lastError().text()));
+        }
+        return query;
+    }
+    QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE"_q, "test_database"_q);
 };
-
-void run_statement(QSqlQuery& query, const QString& statement) {
-    if (!query.exec(statement)) {
-        qFatal("%s: %s", qPrintable(statement), qPrintable(query.lastError().text()));
-    }
-}
 
 std::function<void()> action_at_failure;
 
@@ -50,8 +49,8 @@ struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source_record(const QString
                                                                    const QList<QPair<QString, QString>>& users) {
     struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info record;
     record.fs_extraction_source_path = root;
-    record.os_scheme_display = QStringLiteral("Windows");
-    record.os_scheme_internal = QStringLiteral("winOS");
+    record.os_scheme_display = "Windows"_q;
+    record.os_scheme_internal = "winOS"_q;
     for (const auto& user : users) {
         record.system_account_QList.append({user.first, user.second});
     }
@@ -63,12 +62,8 @@ struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source_record(const QString
 test_case_folder::test_case_folder(const QList<QPair<QString, QString>>& accounts) : users(accounts) {
     QDir().mkpath(root());
     QDir().mkpath(result_dir());
-    {
-        test_database result(database_path());
-        for (const result_table& table : result_tables()) {
-            QSqlQuery query(result.database);
-            run_statement(query, QLatin1String(table.create_statement));
-        }
+    for (const result_table& table : result_tables()) {
+        execute(QLatin1String(table.create_statement));
     }
     plugin_static_function::set_essentials();
     plugin_static_function::set_engine_type(0);
@@ -77,7 +72,7 @@ test_case_folder::test_case_folder(const QList<QPair<QString, QString>>& account
     struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info general;
     general.debug_mode_status = true;
     general.debug_print_in_file = true;
-    general.debug_file_path = folder.path() + QStringLiteral("/debug.log");
+    general.debug_file_path = folder.path() + "/debug.log"_q;
     plugin_static_function::set_general_info(general);
 }
 
@@ -86,8 +81,7 @@ test_case_folder::~test_case_folder() {
 }
 
 QString test_case_folder::package_folder(const QString& user) const {
-    return root() + QStringLiteral("Users/") + user +
-           QStringLiteral("/AppData/Local/Packages/Microsoft.Windows.Cortana_cw5n1h2txyewy/");
+    return root() + "Users/"_q + user + "/AppData/Local/Packages/Microsoft.Windows.Cortana_cw5n1h2txyewy/"_q;
 }
 
 void test_case_folder::write_file(const QString& path_below_root, const QByteArray& content) const {
@@ -102,41 +96,33 @@ void test_case_folder::write_file(const QString& path_below_root, const QByteArr
 std::unique_ptr<cortana_winos> test_case_folder::make_front(const QStringList& tables) const {
     auto front = std::make_unique<cortana_winos>();
     front->winos_set_engine_type(0);
-    front->winos_set_plugin_name(QStringLiteral("Cortana"));
+    front->winos_set_plugin_name("Cortana"_q);
     front->winos_set_source_count(1);
     front->winos_set_source_info(source_record(root(), users));
     front->winos_set_essential_for_vantor_desk_extraction(tables);
-    front->winos_set_destination_location(result_dir(), result_dir() + QStringLiteral("tmp/"), database_path());
+    front->winos_set_destination_location(result_dir(), result_dir() + "tmp/"_q, database_path());
     return front;
 }
 
 QStringList test_case_folder::take_log() {
-    QFile log(folder.path() + QStringLiteral("/debug.log"));
+    QFile log(folder.path() + "/debug.log"_q);
     if (!log.open(QIODevice::ReadOnly) || !log.seek(log_position)) {
         return {};
     }
     QString text = QString::fromLocal8Bit(log.readAll());
     log_position = log.pos();
-    static const QRegularExpression head(
-        QStringLiteral("^\\[\\d{4}-[A-Z][a-z]{2}-\\d\\dT\\d\\d-\\d\\d-\\d\\d\\]\\[VANTOR_DESK\\]"
-                       "\\[Artifacts Extraction\\]\\[([^\\]]*)\\]"),
-        QRegularExpression::MultilineOption);
-    text.replace(head, QStringLiteral("\\1"));
-    text.replace(root(), QStringLiteral("ROOT/")).replace(result_dir(), QStringLiteral("RESULT/"));
-    if (text.endsWith(QLatin1Char('\n'))) {
-        text.chop(1);
-    }
-    return text.isEmpty() ? QStringList() : text.split(QLatin1Char('\n'));
+    static const QRegularExpression head("^\\[\\d{4}-[A-Z][a-z]{2}-\\d\\dT\\d\\d-\\d\\d-\\d\\d\\]\\[VANTOR_DESK\\]"
+                                         "\\[Artifacts Extraction\\]\\[([^\\]]*)\\]"_q,
+                                         QRegularExpression::MultilineOption);
+    text.replace(head, "\\1"_q);
+    text.replace(root(), "ROOT/"_q).replace(result_dir(), "RESULT/"_q);
+    QStringList lines = text.split(QLatin1Char('\n'));
+    lines.removeLast(); // what follows the last line break
+    return lines;
 }
 
 void test_case_folder::execute(const QString& statement) const {
-    test_database result(database_path());
-    QSqlQuery query(result.database);
-    run_statement(query, statement);
-}
-
-QStringList test_case_folder::dump(const QString& table) const {
-    return dump_table(database_path(), table);
+    test_database(database_path()).run(statement);
 }
 
 QStringList test_case_folder::dump(const QString& table, const QStringList& columns) const {
@@ -149,27 +135,22 @@ QStringList dump_table(const QString& database_path, const QString& table, const
     }
     test_database result(database_path);
     QStringList names = columns;
-    if (names.isEmpty()) {
-        const QSqlRecord record = result.database.record(table);
-        for (int i = 0; i < record.count(); ++i) {
-            names.append(record.fieldName(i));
-        }
+    const QSqlRecord record = result.database.record(table);
+    for (int i = 0; i < record.count() && columns.isEmpty(); ++i) {
+        names.append(record.fieldName(i));
     }
     QStringList selected;
     for (const QString& name : qAsConst(names)) {
-        selected << QStringLiteral("typeof(\"%1\"), \"%1\"").arg(name);
+        selected << "typeof(\"%1\"), \"%1\""_q.arg(name);
     }
-    QSqlQuery query(result.database);
-    run_statement(query,
-                  QStringLiteral("select %1 from %2 order by rowid").arg(selected.join(QLatin1Char(',')), table));
+    QSqlQuery query = result.run("select %1 from %2 order by rowid"_q.arg(selected.join(QLatin1Char(',')), table));
     QStringList rows;
     while (query.next()) {
         QStringList values;
         for (int i = 0; i < names.size(); ++i) {
-            values << QStringLiteral("%1=%2:%3")
-                          .arg(names.at(i), query.value(2 * i).toString(), query.value(2 * i + 1).toString());
+            values << names.at(i) + "=%1:%2"_q.arg(query.value(2 * i).toString(), query.value(2 * i + 1).toString());
         }
-        rows << values.join(QStringLiteral(" | "));
+        rows << values.join(" | "_q);
     }
     return rows;
 }
@@ -202,7 +183,7 @@ full_disk::~full_disk() {
 QStringList golden_lines(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        QTest::qFail(qPrintable(QStringLiteral("no golden file ") + path), __FILE__, __LINE__);
+        QTest::qFail(qPrintable("no golden file "_q + path), __FILE__, __LINE__);
         return {};
     }
     QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
@@ -221,8 +202,8 @@ bool matches_golden(const QStringList& lines, const QString& path) {
     }
     const QStringList wanted = golden_lines(path);
     for (int i = 0; i < qMax(lines.size(), wanted.size()); ++i) {
-        const QString line = lines.value(i, QStringLiteral("(no line)"));
-        const QString golden = wanted.value(i, QStringLiteral("(no line)"));
+        const QString line = lines.value(i, "(no line)"_q);
+        const QString golden = wanted.value(i, "(no line)"_q);
         if (line != golden) {
             qWarning("line %d\n  is     %s\n  golden %s", i + 1, qPrintable(line), qPrintable(golden));
             return false;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "plugin/cortana_winos.h"
+#include "tests/support/test_text.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -18,13 +19,12 @@
 class test_case_folder {
 public:
     // accounts: {system_user, domain_user} of each profile.
-    explicit test_case_folder(const QList<QPair<QString, QString>>& accounts = {
-                                  {QStringLiteral("anna"), QStringLiteral("CORP\\anna")}});
+    explicit test_case_folder(const QList<QPair<QString, QString>>& accounts = {{"anna"_q, "CORP\\anna"_q}});
     ~test_case_folder();
 
-    QString root() const { return folder.path() + QStringLiteral("/source/"); }
-    QString result_dir() const { return folder.path() + QStringLiteral("/result/"); }
-    QString database_path() const { return result_dir() + QStringLiteral("Cortana.sqlite"); }
+    QString root() const { return folder.path() + "/source/"_q; }
+    QString result_dir() const { return folder.path() + "/result/"_q; }
+    QString database_path() const { return result_dir() + "Cortana.sqlite"_q; }
     // Folder of Cortana's package in the profile, ending in "/".
     QString package_folder(const QString& user) const;
 
@@ -41,11 +41,9 @@ public:
 
     // Runs one SQL statement on the result database.
     void execute(const QString& statement) const;
-    // All rows of a table in row order, one text a row: column=type:value for every column, joined by " | "
-    // (for example "title=text:Milk | completion_time=integer:0 | notes=null:").
-    QStringList dump(const QString& table) const;
-    // The same for the named columns only.
-    QStringList dump(const QString& table, const QStringList& columns) const;
+    // All rows of a table, or the named columns only, in row order, one text a row: column=type:value for every
+    // column, joined by " | " (for example "title=text:Milk | completion_time=integer:0 | notes=null:").
+    QStringList dump(const QString& table, const QStringList& columns = {}) const;
 
 private:
     QTemporaryDir folder;
