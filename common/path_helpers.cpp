@@ -32,7 +32,7 @@ QPair<QString, QString> plugin_static_function::extract_user_name_from_sourcefil
     if (parts.size() < 2) {
         return unknown;
     }
-    const QString& folder = parts.at(1); // part 0 is "Users"
+    const QString& folder = parts.at(1); // behind "Users"
     for (const auto& account : qAsConst(system_account_QList)) {
         if (account.system_user == folder) {
             return {account.system_user, account.domain_user};

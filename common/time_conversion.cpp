@@ -110,8 +110,8 @@ QString plugin_static_function::convert_human_readable_to_epoch_1(QString text) 
         }
     }
     // Deliberate: every zone word but "UTC" means the machine's own time; the words are too ambiguous to look up.
-    const Qt::TimeSpec spec = zone == QLatin1String("UTC") ? Qt::UTC : Qt::LocalTime;
-    return epoch_text(parsed(wall.trimmed(), {"MMM d, yyyy", ", ", "h:mm:ss AP"}, spec));
+    const Qt::TimeSpec clock = zone == QLatin1String("UTC") ? Qt::UTC : Qt::LocalTime;
+    return epoch_text(parsed(wall.trimmed(), {"MMM d, yyyy", ", ", "h:mm:ss AP"}, clock));
 }
 
 QString plugin_static_function::convert_human_readable_to_epoch_2(QString text) {
