@@ -58,6 +58,17 @@ QStringList texts_of(const specific_table::struct_data& r) {
     return {latin1_until_nul(r.id), latin1_until_nul(r.reminder_id), r.kind, r.creation_time};
 }
 
+// Keeps nothing of the values but their sizes.
+class counting_reader : public specific_table {
+public:
+    using specific_table::get_record_values;
+    void get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString, int value_index,
+                           unsigned int column_type) override {
+        bytes += record_type_case(record, value_index, column_type, error).size();
+    }
+    qint64 bytes = 0;
+};
+
 } // namespace
 
 class test_specific_table : public QObject {
@@ -72,6 +83,7 @@ private Q_SLOTS:
     void long_names();
     void damaged_table_data();
     void damaged_table();
+    void shared_long_values_end();
     void slot_order();
 
 private:
@@ -273,6 +285,38 @@ int slot_of(Signature specific_table::*member) {
 } // namespace
 
 // Subclasses outside this project override by slot.
+// 90 records that all refer to one long value of 4 MB: a small file that asks for 360 MB.
+void test_specific_table::shared_long_values_end() {
+    constexpr int records = 90;
+    constexpr qint64 shared_size = qint64{4} << 20;
+    test_table table{"Triggers", {test_column("Text", ese_type::large_text)}, {}};
+    for (int record = 0; record < records; ++record) {
+        const std::string text(record == 0 ? shared_size : 1, 'x');
+        table.rows.push_back({ese_value(text).put(ese_value::place::long_value)});
+    }
+    const QString path = path_of("shared.dat");
+    write_ese(path, {table}, 32768);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QByteArray content = file.readAll();
+    // The column's id, the value's offset, its flags; the reference follows.
+    const QByteArray in_front = QByteArray("\x00\x01\x04\x00\x05", 5);
+    int patched = 0;
+    for (int at = content.indexOf(in_front); at >= 0; at = content.indexOf(in_front, at + 1)) {
+        content.replace(at + in_front.size(), 4, QByteArray("\x01\x00\x00\x00", 4));
+        ++patched;
+    }
+    QCOMPARE(patched, records);
+    QVERIFY(file.seek(0) && file.write(content) == content.size());
+    file.close();
+
+    counting_reader reader;
+    reader.start_parsing(path, QStringLiteral("Triggers"));
+    const qint64 allowed = (qint64{256} << 20) + 16 * content.size();
+    QCOMPARE(reader.list_struct_data.size(), records); // no record is lost, only texts are
+    QCOMPARE(reader.bytes, allowed / shared_size * shared_size);
+}
+
 void test_specific_table::slot_order() {
 #if !defined(__x86_64__)
     QSKIP("reads the virtual table's layout of one ABI");
