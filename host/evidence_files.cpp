@@ -4,6 +4,7 @@
 
 #include "host/evidence_headers.h"
 #include "host/native_files.h"
+#include "source/quiet_open.h"
 
 #include <QVector>
 
@@ -17,11 +18,7 @@ namespace {
 class open_file {
 public:
     explicit open_file(const QByteArray& path) {
-        constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC;
-        descriptor = ::open(path.constData(), flags | O_NOATIME);
-        if (descriptor < 0 && errno == EPERM) { // only a file's owner may leave its access time alone
-            descriptor = ::open(path.constData(), flags);
-        }
+        descriptor = open_quietly(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC);
         error = descriptor < 0 ? errno : 0;
     }
     ~open_file() {

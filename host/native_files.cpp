@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Plain system calls; nothing here ever opens a file.
+// Plain system calls; nothing here ever opens a file, but folders for their names.
 #include "host/native_files.h"
+
+#include "source/quiet_open.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <dirent.h>
-#include <memory>
 
 bool is_utf8(const QByteArray& bytes) {
     const QByteArray guarded = '/' + bytes; // a byte order mark counts only where a text begins
@@ -31,11 +30,8 @@ QString error_words(int error) {
 }
 
 folder_listing list_folder(const QByteArray& folder) {
-    struct close_folder {
-        void operator()(DIR* opened) const { ::closedir(opened); }
-    };
     folder_listing listing;
-    const std::unique_ptr<DIR, close_folder> opened(::opendir(folder.constData()));
+    const folder_handle opened = open_folder_quietly(folder);
     if (!opened) {
         listing.error = errno;
         return listing;
@@ -50,16 +46,4 @@ folder_listing list_folder(const QByteArray& folder) {
     listing.error = errno;
     std::sort(listing.names.begin(), listing.names.end());
     return listing;
-}
-
-QByteArray real_location(const QByteArray& path) {
-    struct free_text {
-        void operator()(char* text) const { std::free(text); }
-    };
-    const std::unique_ptr<char, free_text> resolved(::realpath(path.constData(), nullptr));
-    return QByteArray(resolved.get());
-}
-
-bool is_at_or_below(const QByteArray& location, const QByteArray& folder) {
-    return folder == "/" || location == folder || location.startsWith(folder + '/');
 }

@@ -3,6 +3,8 @@
 // QString cannot carry those.
 #pragma once
 
+#include "source/real_location.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QVector>
@@ -20,9 +22,3 @@ struct folder_listing {
     int error = 0;
 };
 folder_listing list_folder(const QByteArray& folder);
-
-// The path with every link and ".." resolved; empty (and errno set) when that leads nowhere.
-QByteArray real_location(const QByteArray& path);
-
-// Both as real_location() gives them.
-bool is_at_or_below(const QByteArray& location, const QByteArray& folder);

@@ -10,10 +10,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
-#include <dirent.h>
-#include <memory>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -29,23 +26,6 @@ struct open_folder {
     std::vector<listed_name> remaining;
 };
 
-struct close_folder {
-    void operator()(DIR* folder) const { ::closedir(folder); }
-};
-using folder_handle = std::unique_ptr<DIR, close_folder>;
-
-folder_handle open_for_listing(const QByteArray& path) {
-    const int descriptor = open_quietly(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return nullptr;
-    }
-    folder_handle folder(::fdopendir(descriptor));
-    if (!folder) {
-        ::close(descriptor);
-    }
-    return folder;
-}
-
 // Some file systems do not tell the type with the name.
 mode_t type_of(DIR* folder, const dirent& entry) {
     if (entry.d_type != DT_UNKNOWN) {
@@ -57,7 +37,7 @@ mode_t type_of(DIR* folder, const dirent& entry) {
 
 open_folder list_folder(const QByteArray& path) {
     open_folder listed{path, {}};
-    const folder_handle folder = open_for_listing(path);
+    const folder_handle folder = open_folder_quietly(path);
     if (!folder) {
         return listed;
     }

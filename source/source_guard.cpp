@@ -1,31 +1,19 @@
 // SPDX-License-Identifier: MIT
-// Real locations are told by realpath(3): every link and ".." resolved by the kernel's own rules.
+// Folders are judged by their real locations; a file by its folder, unless it is a link.
 #include "source/source_guard.h"
+
+#include "source/real_location.h"
 
 #include <QFile>
 
 #include <climits>
-#include <cstdlib>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace {
-
-QByteArray real_path(const QByteArray& native_path) {
-    struct free_text {
-        void operator()(char* text) const { std::free(text); }
-    };
-    const std::unique_ptr<char, free_text> resolved(::realpath(native_path.constData(), nullptr));
-    return QByteArray(resolved.get());
-}
-
-} // namespace
-
 source_guard::source_guard(const QString& root) {
     if (!root.isEmpty()) {
-        native_root = real_path(QFile::encodeName(root));
+        native_root = real_location(QFile::encodeName(root));
     }
 }
 
@@ -37,11 +25,8 @@ source_guard::~source_guard() {
     }
 }
 
-bool source_guard::is_inside(const QByteArray& real_location) const {
-    if (native_root.isEmpty() || real_location.isEmpty()) {
-        return false;
-    }
-    return native_root == "/" || real_location == native_root || real_location.startsWith(native_root + '/');
+bool source_guard::is_inside(const QByteArray& location) const {
+    return !native_root.isEmpty() && !location.isEmpty() && is_at_or_below(location, native_root);
 }
 
 const source_guard::known_folder& source_guard::folder_of(const QByteArray& native_folder) {
@@ -49,7 +34,7 @@ const source_guard::known_folder& source_guard::folder_of(const QByteArray& nati
     if (known != folders.constEnd()) {
         return *known;
     }
-    known_folder folder{is_inside(real_path(native_folder)), -1};
+    known_folder folder{is_inside(real_location(native_folder)), -1};
     if (folder.is_inside && open_handles < most_open_handles) {
         folder.handle = ::open(native_folder.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
         open_handles += folder.handle >= 0 ? 1 : 0;
@@ -73,7 +58,7 @@ bool source_guard::exists(const QByteArray& native_path) {
     const int leaf = native_path.lastIndexOf('/') + 1;
     const QByteArray name = native_path.mid(leaf);
     if (name.isEmpty() || name == "." || name == "..") {
-        return is_inside(real_path(native_path)); // a folder named with its "/": the leaf is not a plain name
+        return is_inside(real_location(native_path)); // a folder named with its "/": the leaf is not a plain name
     }
     const known_folder& folder = folder_of(native_path.left(leaf));
     if (!folder.is_inside) {
@@ -82,5 +67,5 @@ bool source_guard::exists(const QByteArray& native_path) {
     struct stat status = {};
     const int found = folder.handle >= 0 ? ::fstatat(folder.handle, name.constData(), &status, AT_SYMLINK_NOFOLLOW)
                                          : ::lstat(native_path.constData(), &status);
-    return found == 0 && (!S_ISLNK(status.st_mode) || is_inside(real_path(native_path)));
+    return found == 0 && (!S_ISLNK(status.st_mode) || is_inside(real_location(native_path)));
 }

@@ -28,7 +28,7 @@ private:
     };
     static constexpr int most_open_handles = 32;
 
-    bool is_inside(const QByteArray& real_path) const;
+    bool is_inside(const QByteArray& location) const; // as real_location() gives it
     const known_folder& folder_of(const QByteArray& native_folder);
 
     QByteArray native_root; // real path, without a trailing "/" (but for "/" itself)

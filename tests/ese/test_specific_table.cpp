@@ -7,10 +7,9 @@
 #include "ese/timetriggers.h"
 #include "evidence/ese_damage.h"
 #include "tests/ese/ese_files.h"
+#include "tests/support/virtual_slot.h"
 
 #include <QtTest>
-
-#include <cstring>
 
 namespace {
 
@@ -272,19 +271,6 @@ void test_specific_table::damaged_table() {
     QCOMPARE(reader.list_struct_data.size(), 5);
 }
 
-namespace {
-
-// Itanium ABI on x86-64: a pointer to a virtual member function begins with 1 + its offset in the virtual table.
-template <class Signature>
-int slot_of(Signature specific_table::*member) {
-    std::ptrdiff_t word = 0;
-    std::memcpy(&word, &member, sizeof(word));
-    return static_cast<int>((word - 1) / static_cast<std::ptrdiff_t>(sizeof(void*)));
-}
-
-} // namespace
-
-// Subclasses outside this project override by slot.
 // 90 records that all refer to one long value of 4 MB: a small file that asks for 360 MB.
 void test_specific_table::shared_long_values_end() {
     constexpr int records = 90;
@@ -317,31 +303,39 @@ void test_specific_table::shared_long_values_end() {
     QCOMPARE(reader.bytes, allowed / shared_size * shared_size);
 }
 
+namespace {
+
+// Names the overload by its signature.
+template <class Signature>
+int overload_slot(Signature specific_table::*member) {
+    return slot_of(member);
+}
+
+} // namespace
+
+// Subclasses outside this project override by slot.
 void test_specific_table::slot_order() {
-#if !defined(__x86_64__)
-    QSKIP("reads the virtual table's layout of one ABI");
-#endif
     using table = specific_table;
     using handle = intptr_t*;
     const int slots[] = {
         // in the order wanted; the destructors are 0 and 1
-        slot_of<int(QString, QString)>(&table::start_parsing),
-        slot_of<int(QString, QString, QString, int)>(&table::start_parsing),
-        slot_of<int(QString, QString, QString, QStringList)>(&table::start_parsing),
-        slot_of<void(handle, handle, QString)>(&table::get_desired_table),
-        slot_of<int(handle, handle)>(&table::get_records),
-        slot_of<void(handle, handle, QString, int, unsigned)>(&table::get_record_values),
-        slot_of<void(handle, handle)>(&table::get_column_name_and_type),
-        slot_of<QString(handle, int, handle)>(&table::get_column_name),
-        slot_of<QByteArray(handle, int, unsigned, handle)>(&table::record_type_case),
-        slot_of<void(handle, handle, QString, QString, QStringList)>(&table::get_desired_table),
-        slot_of<int(handle, handle, QString, QStringList)>(&table::get_records),
-        slot_of<void(handle, handle, QString, QStringList)>(&table::get_column_name_and_type),
-        slot_of<void(handle, handle, QString, int, unsigned, QString, QStringList)>(&table::get_record_values),
-        slot_of<void(handle, handle, QString, QString)>(&table::get_desired_table),
-        slot_of<int(handle, handle, QString)>(&table::get_records),
-        slot_of<void(handle, handle, QString)>(&table::get_column_name_and_type),
-        slot_of<void(handle, handle, QString, int, unsigned, QString)>(&table::get_record_values),
+        overload_slot<int(QString, QString)>(&table::start_parsing),
+        overload_slot<int(QString, QString, QString, int)>(&table::start_parsing),
+        overload_slot<int(QString, QString, QString, QStringList)>(&table::start_parsing),
+        overload_slot<void(handle, handle, QString)>(&table::get_desired_table),
+        overload_slot<int(handle, handle)>(&table::get_records),
+        overload_slot<void(handle, handle, QString, int, unsigned)>(&table::get_record_values),
+        overload_slot<void(handle, handle)>(&table::get_column_name_and_type),
+        overload_slot<QString(handle, int, handle)>(&table::get_column_name),
+        overload_slot<QByteArray(handle, int, unsigned, handle)>(&table::record_type_case),
+        overload_slot<void(handle, handle, QString, QString, QStringList)>(&table::get_desired_table),
+        overload_slot<int(handle, handle, QString, QStringList)>(&table::get_records),
+        overload_slot<void(handle, handle, QString, QStringList)>(&table::get_column_name_and_type),
+        overload_slot<void(handle, handle, QString, int, unsigned, QString, QStringList)>(&table::get_record_values),
+        overload_slot<void(handle, handle, QString, QString)>(&table::get_desired_table),
+        overload_slot<int(handle, handle, QString)>(&table::get_records),
+        overload_slot<void(handle, handle, QString)>(&table::get_column_name_and_type),
+        overload_slot<void(handle, handle, QString, int, unsigned, QString)>(&table::get_record_values),
     };
     int wanted = 2;
     for (const int slot : slots) {

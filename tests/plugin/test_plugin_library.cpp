@@ -1,23 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The built library seen from outside: its one symbol, the order of its slots, its meta-object.
 #include "tests/plugin/loaded_plugin.h"
+#include "tests/support/virtual_slot.h"
 
 #include <QProcess>
 #include <QtTest>
 
-#include <cstring>
 #include <dlfcn.h>
 
 namespace {
-
-// In the Itanium C++ ABI a pointer to a virtual member function holds 1 + its byte offset in the virtual table.
-template <class Member>
-quintptr slot_of(Member member) {
-    quintptr words[2];
-    static_assert(sizeof(member) == sizeof(words), "two words: offset and adjustment");
-    std::memcpy(words, &member, sizeof(words));
-    return (words[0] - 1) / sizeof(void*);
-}
 
 struct behind_qframe : QFrame {
     virtual void first_of_its_own() {}
@@ -74,10 +65,10 @@ private Q_SLOTS:
         const loaded_plugin plugin;
         quintptr* const table = *reinterpret_cast<quintptr**>(plugin.get());
         Dl_info where = {};
-        const quintptr first = slot_of(&behind_qframe::first_of_its_own);
+        const int first = slot_of(&behind_qframe::first_of_its_own);
         QVERIFY(::dladdr(reinterpret_cast<void*>(table[first]), &where) != 0);
         const auto base = reinterpret_cast<quintptr>(where.dli_fbase);
-        quintptr slot = first;
+        int slot = first;
         for (const char* name : wanted) {
             QCOMPARE(function_at.value(table[slot++] - base), "cortana::"_q + QLatin1String(name));
         }

@@ -2,6 +2,7 @@
 // The base walk over written hives: the bare class, and one that notes what the hook is offered.
 #include "registry/registry.h"
 #include "tests/registry/hive_fixture.h"
+#include "tests/support/virtual_slot.h"
 
 #include <QProcess>
 #include <QtTest>
@@ -57,15 +58,6 @@ QByteArray walked_hive() {
     QByteArray bytes = hive.bytes();
     hive_damage::replace_bytes(bytes, "namf", "name");
     return bytes;
-}
-
-// A pointer to a virtual member holds the distance of its entry in the table (Itanium ABI); the destructor takes the
-// first two entries.
-template <class Member>
-int entry_of(Member member) {
-    ptrdiff_t distance = 0;
-    std::memcpy(&distance, &member, sizeof(distance));
-    return static_cast<int>((distance & ~ptrdiff_t(1)) / static_cast<ptrdiff_t>(sizeof(void*)));
 }
 
 } // namespace
@@ -184,20 +176,21 @@ private Q_SLOTS:
         using text_member = QString (registry::*)(hive_h*, hive_value_h);
         using raw_member = QByteArray (registry::*)(hive_h*, hive_value_h, int);
         using type_member = hive_type (registry::*)(hive_h*, hive_value_h, QString);
-        const QVector<int> entries{entry_of(&registry::start_registry_parse),
-                                   entry_of(&registry::get_user_node_handle),
-                                   entry_of(&registry::values_of_the_node),
-                                   entry_of(&registry::run_only_multiple),
-                                   entry_of(&registry::run_only_multiple_paths),
-                                   entry_of(&registry::prepare_the_node_key_child),
-                                   entry_of(&registry::htoi),
-                                   entry_of(&registry::htoll),
-                                   entry_of(&registry::epoc_time_conversion),
-                                   entry_of<text_member>(&registry::convert_data),
-                                   entry_of(&registry::run_only_multiple_recurse),
-                                   entry_of(&registry::find_node_value_length),
-                                   entry_of<raw_member>(&registry::convert_data),
-                                   entry_of<type_member>(&registry::convert_data)};
+        const QVector<int> entries{slot_of(&registry::start_registry_parse),
+                                   slot_of(&registry::get_user_node_handle),
+                                   slot_of(&registry::values_of_the_node),
+                                   slot_of(&registry::run_only_multiple),
+                                   slot_of(&registry::run_only_multiple_paths),
+                                   slot_of(&registry::prepare_the_node_key_child),
+                                   slot_of(&registry::htoi),
+                                   slot_of(&registry::htoll),
+                                   slot_of(&registry::epoc_time_conversion),
+                                   slot_of<text_member>(&registry::convert_data),
+                                   slot_of(&registry::run_only_multiple_recurse),
+                                   slot_of(&registry::find_node_value_length),
+                                   slot_of<raw_member>(&registry::convert_data),
+                                   slot_of<type_member>(&registry::convert_data)};
+        // The destructor takes the first two.
         QCOMPARE(entries, (QVector<int>{2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}));
     }
 
