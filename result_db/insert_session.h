@@ -25,7 +25,7 @@ public:
     QString error_text() const { return error; }
     // The result database as the connection names it.
     QString database_name() const { return database.databaseName(); }
-    // The text of the last executed insert, as the query tells it.
+    // The text of the last failed insert or commit, as Qt gave it to SQLite.
     QString executed_query() const { return executed; }
 
     // Prepares statement anew, binds values in order and executes it. False: nothing was written, see error_text().
@@ -34,9 +34,13 @@ public:
     bool commit();
 
 private:
+    bool prepare(const QString& statement);
+
     QString name;
     QSqlDatabase database;
     std::unique_ptr<QSqlQuery> query;
+    QString prepared;  // the last statement, as it was given
+    QString rewritten; // the same, as Qt gives it to SQLite
     QString error;
     QString executed;
     bool in_transaction = false;

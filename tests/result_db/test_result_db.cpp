@@ -148,7 +148,41 @@ private Q_SLOTS:
         QCOMPARE(folder->dump("searches"_q, {"search_keyword"_q, "search_timestamp"_q, "notes"_q}),
                  QStringList({"search_keyword=text: | search_timestamp=integer:1000 | notes=null:"_q,
                               "search_keyword=text:a'b | search_timestamp=integer:-5 | notes=text:12x"_q}));
-        insert_session closed("/no/such/folder/x.sqlite"_q, name);
+    }
+
+    // A statement is rewritten once and prepared for every row: what fails, and how it is told, must not depend on
+    // whether it is the first row.
+    void insert_session_tells_of_every_failure_alike() {
+        const QString statement = "insert into searches(search_keyword,notes) values(?,?)"_q;
+        const QString executed = "insert into searches(search_keyword,notes) values(:a,:bb)"_q;
+        insert_session session(folder->database_path(), "void test()"_q);
+        const auto failure = [&session](const QVector<QVariant>& values, const QString& of_statement) {
+            return session.insert(of_statement, values)
+                       ? QString()
+                       : session.error_text() + QLatin1Char('\n') + session.executed_query();
+        };
+        const QString miscounted = "Parameter count mismatch\n"_q + executed;
+        QCOMPARE(failure({1}, statement), miscounted);
+        QCOMPARE(failure({"first"_q, 1}, statement), QString());
+        QCOMPARE(failure({}, statement), miscounted);
+        QCOMPARE(failure({1, 2, 3}, statement), miscounted);
+        QCOMPARE(failure({"second"_q, QVariant()}, statement), QString());
+        QCOMPARE(failure({7}, "insert into searches(INT) values(?)"_q), QString());
+        QCOMPARE(failure({}, "alter table searches rename to elsewhere"_q), QString());
+        const QString gone = "no such table: searches Unable to execute statement\n"_q + executed;
+        QCOMPARE(failure({"third"_q, 3}, statement), gone);
+        QCOMPARE(failure({"third"_q, 3}, statement), gone);
+        QCOMPARE(failure({}, "alter table elsewhere rename to searches"_q), QString());
+        QCOMPARE(failure({"fourth"_q, 4}, statement), QString());
+        QVERIFY(session.commit());
+        QCOMPARE(
+            folder->dump("searches"_q, {"search_keyword"_q, "notes"_q}),
+            QStringList({"search_keyword=text:first | notes=text:1"_q, "search_keyword=text:second | notes=null:"_q,
+                         "search_keyword=null: | notes=null:"_q, "search_keyword=text:fourth | notes=text:4"_q}));
+    }
+
+    void insert_session_does_not_open() {
+        insert_session closed("/no/such/folder/x.sqlite"_q, "void test()"_q);
         QVERIFY(!closed.is_open());
         QVERIFY(!closed.error_text().isEmpty());
     }
