@@ -14,8 +14,8 @@ void specific_table::walk_values(libesedb_record_t* record, libesedb_error_t* er
     if (libesedb_record_get_number_of_values(record, &values, nullptr) != ese::success) {
         return;
     }
-    Record filled;
-    current = &filled;
+    list.append(Record());
+    current = &list.last(); // lists of records hold pointers, so it stays where it is
     bool complete = true;
     for (int index = 0; complete && index < values; ++index) {
         const QString& name = name_of_value(record, index, error);
@@ -26,8 +26,8 @@ void specific_table::walk_values(libesedb_record_t* record, libesedb_error_t* er
         }
     }
     current = nullptr;
-    if (complete) {
-        list.append(filled);
+    if (!complete) {
+        list.removeLast();
     }
 }
 

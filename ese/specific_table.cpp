@@ -72,9 +72,9 @@ bool specific_table::may_hand_out(quint64 bytes) {
     return true;
 }
 
-QString specific_table::name_of_value(libesedb_record_t* record, int value_index, libesedb_error_t* error) {
+const QString& specific_table::name_of_value(libesedb_record_t* record, int value_index, libesedb_error_t* error) {
     if (!names_of_table) {
-        return get_column_name(record, value_index, error);
+        return name_outside_walk = get_column_name(record, value_index, error);
     }
     if (value_index >= names_of_table->size()) {
         names_of_table->resize(value_index + 1);

@@ -173,11 +173,12 @@ private:
     void find_table(libesedb_file_t* file, libesedb_error_t* error, const QString& table_name, const Extra&... extra);
     template <class... Extra>
     int walk_records(libesedb_table_t* table, libesedb_error_t* error, const Extra&... extra);
-    QString name_of_value(libesedb_record_t* record, int value_index, libesedb_error_t* error);
+    const QString& name_of_value(libesedb_record_t* record, int value_index, libesedb_error_t* error);
 
     // Names by value index, for the table being walked: they are the same in all its records, and asking libesedb for
     // them costs more than the values. Null outside a walk.
     QVector<QString>* names_of_table = nullptr;
+    QString name_outside_walk;
 
     // Bytes of long values that the running start_parsing may still hand out. Any number of records may refer to one
     // long value, so a small file could ask for more memory than there is; a value past this counts as unreadable.
