@@ -4,33 +4,29 @@
 
 #include <QtTest>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 namespace {
 
 // Everything that a row of the table may name: a source with one recording, and things in the way of results.
 void prepare(const host_case& host) {
+    const std::filesystem::path base = host.base().constData();
     host.add_recording("anna", "a.wav");
     host.write(host.base() + "/file", "x");
-    host.make_folders(host.base() + "/no_users/Windows");
     host.write(host.base() + "/users_is_file/Users", "x");
-    host.make_folders(host.base() + "/only_public/Users/Public");
-    host.make_folders(host.base() + "/only_public/Users/default user");
-    host.make_folders(host.base() + "/with_plugin_link/Artifacts_Result");
-    host.make_folders(host.base() + "/with_database_link/Artifacts_Result/Cortana");
-    host.make_folders(host.base() + "/database_is_folder/Artifacts_Result/Cortana/Cortana.sqlite");
-    host.make_folders(host.base() + "/around/Artifacts_Result/Cortana/tmp/Users/anna");
-    host.make_folders(host.base() + "/closed");
-    ::chmod((host.base() + "/closed").constData(), 0555);
-    const QByteArray links[][2] = {
-        {host.source() + "/Users", "/into_source"},
-        {"nowhere", "/dangling"},
-        {host.source() + "/Users/anna", "/with_plugin_link/Artifacts_Result/Cortana"},
-        {host.source() + "/Users/new.sqlite", "/with_database_link/Artifacts_Result/Cortana/Cortana.sqlite"},
+    for (const char* const folder : {"no_users/Windows", "only_public/Users/Public", "only_public/Users/default user",
+                                     "with_plugin_link/Artifacts_Result", "with_database_link/Artifacts_Result/Cortana",
+                                     "database_is_folder/Artifacts_Result/Cortana/Cortana.sqlite",
+                                     "around/Artifacts_Result/Cortana/tmp/Users/anna", "closed"}) {
+        std::filesystem::create_directories(base / folder);
+    }
+    std::filesystem::permissions(base / "closed", std::filesystem::perms(0555));
+    const char* const links[][2] = {
+        {"source/Users", "into_source"},
+        {"nowhere", "dangling"},
+        {"source/Users/anna", "with_plugin_link/Artifacts_Result/Cortana"},
+        {"source/Users/new.sqlite", "with_database_link/Artifacts_Result/Cortana/Cortana.sqlite"},
     };
-    for (const auto& link : links) {
-        QCOMPARE(::symlink(link[0].constData(), (host.base() + link[1]).constData()), 0);
+    for (const auto& [target, link] : links) {
+        std::filesystem::create_symlink(base / target, base / link);
     }
 }
 
@@ -41,11 +37,11 @@ class test_host_refusals : public QObject {
 
 private Q_SLOTS:
     void refuses_data() {
-        QTest::addColumn<QString>("arguments"); // separated by blanks
+        QTest::addColumn<QString>("arguments");
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("words");
         const auto row = [](const char* name, const char* arguments, int code, const char* words) {
-            QTest::newRow(name) << q(arguments) << code << q(words);
+            QTest::newRow(name) << arguments << code << words;
         };
         row("no command", "--", 2, "a command is missing");
         row("unknown command", "extrat {S} {R}", 2, "did you mean 'extract'?");
@@ -61,6 +57,9 @@ private Q_SLOTS:
         row("user without name", "extract --user =x {S} {R}", 2, "cannot name a profile folder");
         row("log without file", "log", 2, "log takes one file");
         row("log of nothing", "log {B}/missing", 2, "cannot be opened");
+        row("rows of nothing", "rows {B}/missing", 5, "cannot read the result database");
+        row("rows of no database", "rows {B}/file", 5, "cannot read the result database");
+        row("rows of an unknown table", "rows --tables cookie {R}", 2, "did you mean 'cookies'?");
         row("missing source", "extract {B}/missing {R}", 4, "No such file");
         row("source is a file", "extract {B}/file {R}", 2, "is not a folder");
         row("source without Users", "extract {B}/no_users {R}", 4, "holds no folder Users");
@@ -78,15 +77,12 @@ private Q_SLOTS:
         row("plugin folder in the source", "extract {S} {B}/with_plugin_link", 2, "inside the source");
         row("database to be made in the source", "extract {S} {B}/with_database_link", 5, "leads nowhere");
         row("database is a folder", "extract {S} {B}/database_is_folder", 5, "not a regular file");
-        row("source in the working folder", "extract {B}/around/Artifacts_Result/Cortana/tmp {B}/around", 2,
-            "the source lies in the plugin's folder");
+        row("source in tmp", "extract {B}/around/Artifacts_Result/Cortana/tmp {B}/around", 2, "the source lies in");
         row("log in the source", "extract --log {S}/log {S} {R}", 2, "inside the source");
         row("log in a missing folder", "extract --log {B}/missing/log {S} {R}", 5, "its folder does not exist");
         row("log is a folder", "extract --log {B}/no_users {S} {R}", 5, "not a regular file");
-        row("log is the database", "extract --log {R}/Artifacts_Result/Cortana/Cortana.sqlite {S} {R}", 2,
-            "in the plugin's folder");
+        row("log in its folder", "extract --log {R}/Artifacts_Result/Cortana/x {S} {R}", 2, "in the plugin's folder");
         row("missing library", "extract --library {B}/missing.so {S} {R}", 1, "the plugin cannot be loaded");
-        row("library of another kind", "extract --library {B}/file {S} {R}", 1, "the plugin cannot be loaded");
         row("result without permission", "extract {S} {B}/closed", 5, "Permission denied");
     }
     void refuses() {
@@ -94,12 +90,13 @@ private Q_SLOTS:
         QFETCH(QString, words);
         const host_case host;
         prepare(host);
-        const QStringList before = host.snapshot();
-        const host_answer answer = host.run(arguments.split(QLatin1Char(' ')), respect_permissions);
+        const QString base = QString::fromUtf8(host.base());
+        const QStringList before = everything_below(base);
+        const host_answer answer = host.run(arguments, respect_permissions);
         QVERIFY2(QString::fromUtf8(answer.error).contains(words), answer.error.constData());
         QTEST(answer.code, "code");
         QCOMPARE(answer.out, QByteArray());
-        QCOMPARE(host.snapshot(), before);
+        QCOMPARE(everything_below(base), before);
     }
 };
 

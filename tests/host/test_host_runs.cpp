@@ -6,7 +6,6 @@
 #include <QtTest>
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,9 +14,9 @@ namespace {
 // {"anna": 2, "bernd": 1} of the recordings.
 QVariantMap rows_by_user(const QJsonObject& summary) {
     QVariantMap rows;
-    for (const QJsonValue& row : summary[q("rows")].toArray()) {
-        if (row[q("table")].toString() == q("latest_audio_search")) {
-            rows.insert(row[q("system_user")].toString(), row[q("rows")].toInt());
+    for (const QJsonValue& row : summary["rows"_q].toArray()) {
+        if (row["table"_q].toString() == "latest_audio_search"_q) {
+            rows.insert(row["system_user"_q].toString(), row["rows"_q].toInt());
         }
     }
     return rows;
@@ -25,7 +24,7 @@ QVariantMap rows_by_user(const QJsonObject& summary) {
 
 void add_two_profiles(const host_case& host) {
     host.add_recording("anna", "1.wav");
-    host.add_recording("anna", "deeper/2.wav");
+    host.add_recording("anna", "deeper/\n.wav");
     host.add_recording("bernd", "3.wav");
     host.make_folders(host.source() + "/Users/Public");
 }
@@ -35,8 +34,6 @@ void limit_files(rlim_t size) {
     ::setrlimit(RLIMIT_FSIZE, &both);
 }
 
-const QString one_column = q("select %1 from latest_audio_search order by INT");
-
 } // namespace
 
 class test_host_runs : public QObject {
@@ -44,55 +41,61 @@ class test_host_runs : public QObject {
 
 private Q_SLOTS:
     void counts_rows_of_each_profile_data() {
-        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QString>("option");
         QTest::addColumn<int>("runs");
-        QTest::newRow("one run for each") << QStringList() << 2;
-        QTest::newRow("one run for all") << QStringList{q("--all-profiles")} << 1;
-        QTest::newRow("enciphered log") << QStringList{q("--encipher-log")} << 2;
+        QTest::addColumn<int>("rows_kept"); // of an earlier run
+        QTest::newRow("one run for each") << "" << 2 << 3;
+        QTest::newRow("one run for all") << "--all-profiles" << 1 << 3;
+        QTest::newRow("enciphered log") << "--encipher-log" << 2 << 3;
+        QTest::newRow("cleared tables") << "--clear" << 2 << 0;
     }
     void counts_rows_of_each_profile() {
-        QFETCH(QStringList, options);
-        const host_case host;
-        add_two_profiles(host);
-        const host_answer answer = host.extract(options);
-        const QJsonObject summary = answer.json();
-        QVERIFY2(answer.code == 0, answer.error.constData());
-        QCOMPARE(summary[q("exit_code")].toInt(), 0);
-        QCOMPARE(rows_by_user(summary), (QVariantMap{{q("anna"), 2}, {q("bernd"), 1}}));
-        QCOMPARE(summary[q("sources_found")].toArray().size(), 2);
-        QCOMPARE(summary[q("tables")].toArray().size(), 9);
-        const host_answer log = host.run({q("log"), q("{R}/cortana_debug.log")});
-        QTEST(log.out.count("[find_source_file]---STARTS---"), "runs");
-        QCOMPARE(host.query(one_column.arg(q("system_user"))), (QStringList{q("anna"), q("anna"), q("bernd")}));
-        QVERIFY(!QFile::exists(QString::fromUtf8(host.result() + "/Artifacts_Result/Cortana/tmp")));
-    }
-
-    void adds_to_earlier_rows_or_clears_them() {
+        QFETCH(QString, option);
+        QFETCH(int, runs);
+        QFETCH(int, rows_kept);
         const host_case host;
         add_two_profiles(host);
         QCOMPARE(host.extract().code, 0);
-        const QJsonObject second = host.extract({q("--encipher-log")}).json();
-        QCOMPARE(second[q("rows_added")].toInt(), 3);
-        QCOMPARE(second[q("sources_found")].toArray().size(), 2);
-        QCOMPARE(host.query(one_column.arg(q("INT"))).size(), 6);
-        QCOMPARE(host.extract({q("--clear")}).json()[q("rows_added")].toInt(), 3);
-        QCOMPARE(host.query(one_column.arg(q("INT"))).size(), 3);
+        const host_answer answer = host.extract(option);
+        const QJsonObject summary = answer.json();
+        QVERIFY2(answer.code == 0, answer.error.constData());
+        QCOMPARE(summary["exit_code"_q].toInt(), 0);
+        QCOMPARE(summary["rows_added"_q].toInt(), 3);
+        QCOMPARE(rows_by_user(summary), (QVariantMap{{"anna"_q, 2}, {"bernd"_q, 1}}));
+        QCOMPARE(summary["sources_found"_q].toArray().size(), 2);
+        QCOMPARE(summary["tables"_q].toArray().size(), 9);
+        const QByteArray start = "[find_source_file]---STARTS---";
+        QCOMPARE(host.run("log {R}/cortana_debug.log"_q).out.count(start), 2 + runs);
+        const int in_plain = option == "--encipher-log"_q ? 2 : 2 + runs;
+        QCOMPARE(whole_file(QString::fromUtf8(host.log())).count(start), in_plain);
+        const QString anna = "system_user=text:anna"_q;
+        QCOMPARE(host.recordings({"system_user"_q}).mid(rows_kept),
+                 (QStringList{anna, anna, "system_user=text:bernd"_q}));
+        QVERIFY(!QFile::exists(QString::fromUtf8(host.result() + "/Artifacts_Result/Cortana/tmp")));
     }
 
-    void prints_a_table() {
+    void prints_tables() {
         const host_case host;
         add_two_profiles(host);
-        const QStringList words{q("extract"), q("--tables"), q("searches,latest_audio_search"), q("{S}"), q("{R}")};
-        const host_answer answer = host.run(words);
+        const QString tables = " --tables searches,latest_audio_search "_q;
+        const host_answer answer = host.run("extract {S} {R}"_q + tables);
         QCOMPARE(answer.code, 0);
         QCOMPARE(answer.error, QByteArray()); // not a terminal: no progress line
-        const QList<QByteArray> lines = answer.out.split('\n');
-        QCOMPARE(lines[0].simplified(), QByteArray("rows added anna bernd all"));
-        QCOMPARE(lines[1].simplified(), QByteArray("latest_audio_search 2 1 3"));
-        QCOMPARE(lines[2].simplified(), QByteArray("searches 0 0 0"));
-        QCOMPARE(lines[3].simplified(), QByteArray("all 2 1 3"));
+        const QByteArray counts = answer.out.simplified();
+        QVERIFY2(counts.startsWith("rows added anna bernd all latest_audio_search 2 1 3 searches 0 0 0 all 2 1 3 3 "),
+                 counts.constData());
         QVERIFY(answer.out.contains(host.database()) && answer.out.contains(host.log() + " (0 failures)"));
-        const host_answer quiet = host.run(words + QStringList{q("--quiet")});
+        QString rows = QString::fromUtf8(host.run("rows {R}"_q + tables).out);
+        rows.remove(QRegularExpression(" \\| file_size: .*"_q));
+        QCOMPARE(rows, "latest_audio_search\n"
+                       "   1  system_user: anna | domain_user:  | file_name: 1.wav\n"
+                       "   2  system_user: anna | domain_user:  | file_name: \\n.wav\n"
+                       "   3  system_user: bernd | domain_user:  | file_name: 3.wav\n"
+                       "\nsearches\n      no rows\n\n"_q);
+        const host_answer of_file = host.run("rows --tables searches "_q + QString::fromUtf8(host.database()));
+        QCOMPARE(of_file.out + of_file.error, QByteArray("searches\n      no rows\n\n"));
+        QCOMPARE(of_file.code, 0);
+        const host_answer quiet = host.run("extract --quiet {S} {R}"_q + tables);
         QCOMPARE(quiet.code, 0);
         QCOMPARE(quiet.out + quiet.error, QByteArray());
     }
@@ -101,39 +104,43 @@ private Q_SLOTS:
         const host_case host;
         add_two_profiles(host);
         host.add_recording("Public", "4.wav");
-        const char* const options =
-            "--user|bernd=CORP\\bernd|--user|Public|--user|carl|--source-number|7|--os-scheme|W 10";
-        const QJsonObject summary = host.extract(q(options).split(QLatin1Char('|'))).json();
-        QCOMPARE(rows_by_user(summary), (QVariantMap{{q("Public"), 1}, {q("bernd"), 1}, {q("carl"), 0}}));
-        const QString columns = q("system_user||'|'||domain_user||'|'||source_count_name||'|'||os_scheme_display");
-        QCOMPARE(host.query(one_column.arg(columns)),
-                 (QStringList{q("bernd|CORP\\bernd|Source7|W 10"), q("Public||Source7|W 10")}));
-        QCOMPARE(summary[q("notes")].toArray().first()[q("reason")].toString(), q("there is no such profile folder"));
+        const QString chosen = "--user bernd=CORP\\bernd --user Public --user carl --source-number 7 --os-scheme W10"_q;
+        const QJsonObject summary = host.extract(chosen).json();
+        QCOMPARE(rows_by_user(summary), (QVariantMap{{"Public"_q, 1}, {"bernd"_q, 1}, {"carl"_q, 0}}));
+        const QString row = "system_user=text:%1 | domain_user=text:%2 | source_count_name=text:Source7 | "
+                            "os_scheme_display=text:W10"_q;
+        QCOMPARE(host.recordings({"system_user"_q, "domain_user"_q, "source_count_name"_q, "os_scheme_display"_q}),
+                 (QStringList{row.arg("bernd"_q, "CORP\\bernd"_q), row.arg("Public"_q, ""_q)}));
+        QCOMPARE(summary["notes"_q].toArray().first()["reason"_q].toString(), "there is no such profile folder"_q);
+        const host_answer nothing = host.extract("--user carl"_q);
+        QCOMPARE(nothing.code, 4);
+        QVERIFY2(nothing.error.contains("was found in any chosen profile"), nothing.error.constData());
+        QCOMPARE(nothing.json()["outcome"_q].toString(), "nothing found"_q);
     }
 
     void works_in_any_environment_data() {
-        QTest::addColumn<QStringList>("variables");
-        QTest::newRow("none") << QStringList();
-        QTest::newRow("POSIX locale") << QStringList{q("LC_ALL=C"), q("HOME=/nonexistent")};
-        QTest::newRow("neither locale nor display") << QStringList{q("LANG=xx_XX.ISO-8859-1"), q("DISPLAY=:987")};
+        QTest::addColumn<QByteArrayList>("variables");
+        QTest::newRow("none") << QByteArrayList();
+        QTest::newRow("POSIX locale") << QByteArrayList{"LC_ALL=C", "HOME=/nonexistent"};
+        QTest::newRow("neither locale nor display") << QByteArrayList{"LANG=xx_XX.ISO-8859-1", "DISPLAY=:987"};
     }
     void works_in_any_environment() {
-        QFETCH(QStringList, variables);
+        QFETCH(QByteArrayList, variables);
         const host_case host;
         host.add_recording("jürgen", "größe \xf0\x9f\x8e\xa4.wav");
         for (const char* const kept : {"LSAN_OPTIONS", "UBSAN_OPTIONS"}) { // a sanitized build needs its own ones
-            variables << QStringList{q(kept), qEnvironmentVariable(kept)}.join(QLatin1Char('='));
+            variables << QByteArray(kept) + '=' + qgetenv(kept);
         }
-        QProcessEnvironment environment;
-        for (const QString& variable : qAsConst(variables)) {
-            environment.insert(variable.section(QLatin1Char('='), 0, 0), variable.section(QLatin1Char('='), 1));
-        }
-        const host_answer answer = host.run(
-            {q("extract"), q("--json"), q("{S}"), q("{R}")}, [] {}, environment);
+        const host_answer answer = host.extract({}, [&variables] {
+            ::clearenv();
+            for (QByteArray& variable : variables) {
+                ::putenv(variable.data());
+            }
+        });
         QCOMPARE(answer.error, QByteArray());
         QCOMPARE(answer.code, 0);
-        QCOMPARE(host.query(one_column.arg(q("system_user||'/'||file_name"))),
-                 QStringList{q("jürgen/größe \xf0\x9f\x8e\xa4.wav")});
+        QCOMPARE(host.recordings({"system_user"_q, "file_name"_q}),
+                 QStringList("system_user=text:jürgen | file_name=text:größe \xf0\x9f\x8e\xa4.wav"_q));
     }
 
     void passes_no_control_characters_on() {
@@ -141,13 +148,13 @@ private Q_SLOTS:
         const host_case host;
         host.add_recording(user, "a\n\x1b]0;b.wav");
         host.add_recording("bad\xff\x1b", "c.wav");
-        const host_answer answer = host.run({q("extract"), q("--log-terminal"), q("{S}"), q("{R}")});
+        const host_answer answer = host.run("extract --log-terminal {S} {R}"_q);
         QCOMPARE(answer.code, 3); // the second profile's name cannot be passed on, and that is all
         QVERIFY2(answer.error.contains("Users/bad\\xff\\x1b: its name is not UTF-8"), answer.error.constData());
         QVERIFY2(answer.out.contains("(0 failures)"), answer.out.constData());
         QVERIFY(answer.error.contains("FILE EXIST--") && answer.error.contains("line\\nbreak \\x1b[31m"));
         QVERIFY(!answer.error.contains('\x1b') && !answer.out.contains('\x1b'));
-        QCOMPARE(host.query(one_column.arg(q("system_user"))), QStringList{QString::fromUtf8(user)});
+        QCOMPARE(host.recordings({"system_user"_q}), QStringList("system_user=text:"_q + QString::fromUtf8(user)));
     }
 
     // A closed folder in the one profile, and in the other a pipe in a database's and a hive's place: opening one would
@@ -166,101 +173,56 @@ private Q_SLOTS:
         ::chmod(closed.constData(), 0755);
         QCOMPARE(answer.code, 3);
         QVERIFY2(answer.error.contains("could not read: " + closed + ": Permission denied"), answer.error.constData());
-        QCOMPARE(answer.json()[q("problems")].toArray().size(), 3);
-        QCOMPARE(answer.json()[q("could_not_read")].toInt(), 3);
-        QCOMPARE(rows_by_user(answer.json()), (QVariantMap{{q("anna"), 0}, {q("bernd"), 1}}));
-    }
-
-    void finds_nothing() {
-        const host_case host;
-        host.make_folders(host.source() + "/Users/anna/AppData/Local/Packages/Microsoft.Other");
-        const host_answer answer = host.extract();
-        QCOMPARE(answer.code, 4);
-        QVERIFY2(answer.error.contains("was found in any chosen profile"), answer.error.constData());
-        QCOMPARE(answer.json()[q("outcome")].toString(), q("nothing found"));
+        QCOMPARE(answer.json()["problems"_q].toArray().size(), 3);
+        QCOMPARE(answer.json()["could_not_read"_q].toInt(), 3);
+        QCOMPARE(rows_by_user(answer.json()), (QVariantMap{{"anna"_q, 0}, {"bernd"_q, 1}}));
     }
 
     // A limit on file sizes stands for a full disk: the database may not grow past what the first run left.
     void keeps_earlier_rows_when_the_disk_is_full() {
         const host_case host;
         host.add_recording("anna", "first.wav");
-        QCOMPARE(host.extract({q("--log"), q("{B}/log")}).code, 0);
+        QCOMPARE(host.extract("--log {B}/log"_q).code, 0);
         for (int i = 0; i < 600; ++i) {
             host.add_recording("anna", QByteArray::number(i) + ".wav");
         }
         host.add_recording("bernd", "last.wav");
-        const auto limit = static_cast<rlim_t>(read_file(host.database()).size());
-        const host_answer answer = host.extract({q("--log"), q("{B}/log")}, [limit] { limit_files(limit); });
+        const auto limit = static_cast<rlim_t>(QFileInfo(QString::fromUtf8(host.database())).size());
+        const host_answer answer = host.extract("--log {B}/log"_q, [limit] { limit_files(limit); });
         QCOMPARE(answer.code, 5);
         QVERIFY2(answer.error.contains("rows were lost") || answer.error.contains("cannot be written"),
                  answer.error.constData());
-        QCOMPARE(answer.json()[q("not_examined")].toArray(), QJsonArray{q("bernd")});
-        QCOMPARE(host.query(one_column.arg(q("file_name"))), QStringList{q("first.wav")});
+        QCOMPARE(answer.json()["not_examined"_q].toArray(), QJsonArray{"bernd"_q});
+        QCOMPARE(host.recordings({"file_name"_q}), QStringList("file_name=text:first.wav"_q));
     }
 
+    // Another file where the database is due, a debug log that may not grow, and a full standard output.
     void tells_an_unusable_output_data() {
         QTest::addColumn<QByteArray>("words");
-        QTest::newRow("database") << QByteArray("file is not a database");
-        QTest::newRow("debug log") << QByteArray("is not whole");
-        QTest::newRow("standard output") << QByteArray("standard output cannot be written");
+        QTest::addColumn<QByteArray>("in_the_way");
+        QTest::newRow("database") << QByteArray("file is not a database") << QByteArray(4096, 'x');
+        QTest::newRow("debug log") << QByteArray("is not whole") << QByteArray(1024 * 1024 - 100, '\n');
+        QTest::newRow("standard output") << QByteArray("standard output cannot be written") << QByteArray();
     }
     void tells_an_unusable_output() {
         QFETCH(QByteArray, words);
-        const QByteArray what = QTest::currentDataTag();
+        QFETCH(QByteArray, in_the_way);
+        const bool is_database = in_the_way.startsWith('x');
         const host_case host;
         host.add_recording("anna", "a.wav");
-        constexpr int limit = 1024 * 1024;
-        const QByteArray other = QByteArray(4096, 'x');
-        if (what == "database") {
-            host.write(host.database(), other);
-        } else if (what == "debug log") {
-            host.write(host.log(), QByteArray(limit - 100, '\n'));
-        }
-        const host_answer answer = host.extract({}, [&what] {
-            limit_files(limit);
-            if (what == "standard output") {
+        host.write(is_database ? host.database() : host.log(), in_the_way);
+        const host_answer answer = host.extract({}, [&in_the_way] {
+            limit_files(1024 * 1024);
+            if (in_the_way.isEmpty()) {
                 ::dup2(::open("/dev/full", O_WRONLY), STDOUT_FILENO);
             }
         });
         QCOMPARE(answer.code, 5);
         QVERIFY2(answer.error.contains(words), answer.error.constData());
-        if (what == "database") {
-            QCOMPARE(read_file(host.database()), other);
+        if (is_database) {
+            QCOMPARE(whole_file(QString::fromUtf8(host.database())), in_the_way);
         } else {
-            QCOMPARE(host.query(one_column.arg(q("file_name"))), QStringList{q("a.wav")});
-        }
-    }
-
-    void lists_rows_data() {
-        QTest::addColumn<QString>("arguments"); // separated by blanks
-        QTest::addColumn<int>("code");
-        QTest::addColumn<QStringList>("lines"); // how each line begins that is not empty
-        const QString file = q("{R}/Artifacts_Result/Cortana/Cortana.sqlite");
-        const QStringList none{q("searches"), q("      no rows")};
-        const QStringList recordings{q("latest_audio_search"),
-                                     q("   1  system_user: anna | domain_user:  | file_name: 1.wav | file_size: "),
-                                     q("   2  system_user: anna | domain_user:  | file_name: \\n.wav | file_size: ")};
-        QTest::newRow("in table order") << q("--tables searches,latest_audio_search {R}") << 0 << recordings + none;
-        QTest::newRow("the file itself") << file + q(" --tables searches") << 0 << none;
-        QTest::newRow("no such result") << q("{B}/none") << 5 << QStringList();
-        QTest::newRow("no database") << q("{R}/cortana_debug.log") << 5 << QStringList{q("time_reminders")};
-        QTest::newRow("unknown table") << q("--tables cookie {R}") << 2 << QStringList();
-    }
-    void lists_rows() {
-        QFETCH(QString, arguments);
-        QFETCH(int, code);
-        QFETCH(QStringList, lines);
-        const host_case host;
-        host.add_recording("anna", "1.wav");
-        host.add_recording("anna", "deeper/\n.wav");
-        QCOMPARE(host.extract().code, 0);
-        const host_answer answer = host.run(QStringList(q("rows")) + arguments.split(QLatin1Char(' ')));
-        QCOMPARE(answer.code, code);
-        QCOMPARE(answer.error.isEmpty(), code == 0);
-        const QStringList printed = QString::fromUtf8(answer.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-        QVERIFY(printed.size() == lines.size() || code != 0);
-        for (int i = 0; i < printed.size(); ++i) {
-            QVERIFY2(printed.at(i).startsWith(lines.at(i)), qPrintable(printed.at(i)));
+            QCOMPARE(host.recordings({"file_name"_q}), QStringList("file_name=text:a.wav"_q));
         }
     }
 };

@@ -4,11 +4,9 @@
 // the machine's speed.
 #include "host_case.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QtTest>
 
-#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -18,33 +16,19 @@ namespace {
 
 constexpr int profile_count = 100; // their log is many times what pipe and reader can hold
 
-QByteArray profile_name(int number) {
-    return "p" + QByteArray::number(1000 + number);
-}
-
 void add_profiles(const host_case& host) {
     for (int i = 0; i < profile_count; ++i) {
-        host.add_recording(profile_name(i), "a.wav");
+        host.add_recording("p" + QByteArray::number(1000 + i), "a.wav");
     }
 }
 
 struct running_host {
-    host_process process;
-    int log;
-    QByteArray seen; // of its standard error
-
     // Its standard error goes to one descriptor and is read from the other, its standard output is a file.
-    running_host(const host_case& host, const QStringList& arguments, int error, int read_end) : log(read_end) {
+    running_host(const host_case& host, const QString& words, int error, int read_end) : log(read_end) {
         process.in_child = [error] { ::dup2(error, STDERR_FILENO); };
         process.setStandardOutputFile(QString::fromUtf8(host.base() + "/stdout"));
-        process.start(q(HOST_PROGRAM), host.filled(arguments));
+        process.start(QStringLiteral(HOST_PROGRAM), host.filled(words));
         ::close(error);
-    }
-    bool read_more() {
-        char buffer[256];
-        const ssize_t got = ::read(log, buffer, sizeof buffer);
-        seen.append(buffer, static_cast<int>(std::max<ssize_t>(got, 0)));
-        return got > 0;
     }
     void signal_after(const QByteArray& words, const QVector<int>& signals_to_send) {
         while (!seen.contains(words) && read_more()) {
@@ -54,25 +38,31 @@ struct running_host {
             QCOMPARE(::kill(static_cast<pid_t>(process.processId()), number), 0);
         }
     }
-    int exit_code() {
+    int exit_code(bool read_on = true) {
+        while (read_on && read_more()) {
+        }
         const bool ended = process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit;
         ::close(log);
         return ended ? process.exitCode() : -1;
     }
-    int last_exit_code() {
-        while (read_more()) {
-        }
-        return exit_code();
+    bool read_more() {
+        char buffer[256];
+        const ssize_t got = ::read(log, buffer, sizeof buffer);
+        seen.append(buffer, static_cast<int>(std::max<ssize_t>(got, 0)));
+        return got > 0;
     }
+
+    host_process process;
+    int log;
+    QByteArray seen; // of its standard error
 };
 
-std::unique_ptr<running_host> start_on_pipe(const host_case& host, const QStringList& options) {
+std::unique_ptr<running_host> start_on_pipe(const host_case& host, const QString& option = {}) {
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0 || ::fcntl(ends[1], F_SETPIPE_SZ, 4096) != 4096) {
         qFatal("no pipe");
     }
-    const QStringList words = QStringList{q("extract"), q("--json"), q("--log-terminal"), q("{S}"), q("{R}")} + options;
-    return std::make_unique<running_host>(host, words, ends[1], ends[0]);
+    return std::make_unique<running_host>(host, "extract --json --log-terminal {S} {R} "_q + option, ends[1], ends[0]);
 }
 
 } // namespace
@@ -80,49 +70,38 @@ std::unique_ptr<running_host> start_on_pipe(const host_case& host, const QString
 class test_host_signals : public QObject {
     Q_OBJECT
 
-private Q_SLOTS:
-    void cancels_and_keeps_what_was_written_data() {
-        QTest::addColumn<QString>("option");
-        QTest::addColumn<QByteArray>("after"); // words of the log to wait for
-        QTest::addColumn<int>("signal");
-        QTest::addColumn<int>("code");
-        QTest::addColumn<bool>("rows_kept");
-        QTest::newRow("after the first profile")
-            << "--clear" << QByteArray("[pub_extract_artifacts] - END") << SIGINT << 130 << true;
-        QTest::newRow("while sources are looked for")
-            << "--all-profiles" << QByteArray("FILE EXIST--") << SIGTERM << 143 << false;
-    }
-    void cancels_and_keeps_what_was_written() {
-        QFETCH(QString, option);
-        QFETCH(QByteArray, after);
-        QFETCH(int, signal);
-        QFETCH(bool, rows_kept);
+    // Cancels after these words of the log.
+    static void cancel(const QString& option, const QByteArray& words, int signal, bool rows_kept) {
         const host_case host;
         add_profiles(host);
-        const auto program = start_on_pipe(host, {option});
-        program->signal_after(after, {signal});
-        QTEST(program->last_exit_code(), "code");
+        const auto program = start_on_pipe(host, option);
+        program->signal_after(words, {signal});
+        QCOMPARE(program->exit_code(), 128 + signal);
         QVERIFY2(program->seen.contains("cortana: cancelled"), program->seen.constData());
-        const QJsonObject summary = QJsonDocument::fromJson(read_file(host.base() + "/stdout")).object();
-        QCOMPARE(summary[q("outcome")].toString(), q("cancelled"));
-        const QStringList users = host.query(q("select system_user from latest_audio_search order by INT"));
-        QCOMPARE(summary[q("rows_added")].toInt(), users.size());
-        QCOMPARE(users.value(0), rows_kept ? QString::fromUtf8(profile_name(0)) : QString());
-        const QString last = QString::fromUtf8(profile_name(profile_count - 1));
-        QVERIFY(!users.contains(last));
-        QCOMPARE(summary[q("not_examined")].toArray().contains(last), rows_kept); // one run left out nobody
+        const QByteArray out = whole_file(QString::fromUtf8(host.base() + "/stdout"));
+        const QJsonObject summary = QJsonDocument::fromJson(out).object();
+        QCOMPARE(summary["outcome"_q].toString(), "cancelled"_q);
+        const QStringList users = host.recordings({"system_user"_q});
+        QCOMPARE(summary["rows_added"_q].toInt(), users.size());
+        QCOMPARE(users.value(0), rows_kept ? "system_user=text:p1000"_q : QString());
+        QCOMPARE(users.filter("p1099"_q), QStringList());
+        QCOMPARE(summary["not_examined"_q].toArray().contains("p1099"_q), rows_kept); // one run left out nobody
     }
+
+private Q_SLOTS:
+    void keeps_what_was_written() { cancel("--clear"_q, "[pub_extract_artifacts] - END", SIGINT, true); }
+    void cancels_while_sources_are_looked_for() { cancel("--all-profiles"_q, "FILE EXIST--", SIGTERM, false); }
 
     void cancels_before_the_first_run() {
         const host_case host;
         host.make_folders(host.speech_folder("anna"));
         for (int i = 0; i < profile_count; ++i) { // each gives a note, and the pipe cannot hold all of them
-            const QByteArray pipe = host.speech_folder("anna") + "/" + profile_name(i);
+            const QByteArray pipe = host.speech_folder("anna") + '/' + QByteArray::number(i);
             QCOMPARE(::mkfifo(pipe.constData(), 0644), 0);
         }
-        const auto program = start_on_pipe(host, {});
+        const auto program = start_on_pipe(host);
         program->signal_after("note: ", {SIGINT});
-        QCOMPARE(program->last_exit_code(), 130);
+        QCOMPARE(program->exit_code(), 130);
         QVERIFY(!QFile::exists(QString::fromUtf8(host.database())));
         QVERIFY2(program->seen.contains("cortana: cancelled; not examined: anna"), program->seen.constData());
     }
@@ -130,11 +109,11 @@ private Q_SLOTS:
     void stops_at_once_at_the_second_signal() {
         const host_case host;
         add_profiles(host);
-        const auto program = start_on_pipe(host, {});
+        const auto program = start_on_pipe(host);
         program->signal_after("FILE EXIST--", {SIGINT, SIGTERM});
-        const int code = program->exit_code(); // nobody empties the pipe, so it cannot end in any other way
+        const int code = program->exit_code(false); // nobody empties the pipe, so it cannot end in any other way
         QVERIFY2(code == 130 || code == 143, QByteArray::number(code).constData()); // as the kernel orders them
-        QCOMPARE(read_file(host.base() + "/stdout"), QByteArray());
+        QCOMPARE(QFileInfo(QString::fromUtf8(host.base() + "/stdout")).size(), 0);
     }
 
     void shows_progress_on_a_terminal() {
@@ -143,15 +122,14 @@ private Q_SLOTS:
         const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
         QVERIFY(terminal >= 0 && ::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
         const int side = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
-        running_host program(host, {q("extract"), q("{S}"), q("{R}")}, side, terminal);
-        QCOMPARE(program.last_exit_code(), 0);
-        const QByteArray shown = program.seen;
-        QVERIFY2(shown.startsWith("\rtable 1 of 9 time_reminders, 0 records, 0 s, anna\\x1b[2J\x1b[K"),
-                 shown.constData());
-        QVERIFY2(shown.contains("\rtable 5 of 9 graphed_cache, 1 records, "), shown.constData());
-        QVERIFY2(shown.endsWith("\r\x1b[K"), shown.constData());
-        QVERIFY(!shown.contains('\n'));
-        QCOMPARE(shown.count('\x1b'), shown.count("\x1b[K"));
+        running_host program(host, "extract {S} {R}"_q, side, terminal);
+        QCOMPARE(program.exit_code(), 0);
+        QVERIFY2(program.seen.startsWith("\rtable 1 of 9 time_reminders, 0 records, 0 s, anna\\x1b[2J\x1b[K"),
+                 program.seen.constData());
+        QVERIFY2(program.seen.contains("\rtable 5 of 9 graphed_cache, 1 records, "), program.seen.constData());
+        QVERIFY2(program.seen.endsWith("\r\x1b[K"), program.seen.constData());
+        QVERIFY(!program.seen.contains('\n'));
+        QCOMPARE(program.seen.count('\x1b'), program.seen.count("\x1b[K"));
     }
 };
 

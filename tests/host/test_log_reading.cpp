@@ -87,42 +87,23 @@ private Q_SLOTS:
         QVERIFY(pieces_of(log) == expected);
     }
 
-    void counts_failures_and_sources_data() {
-        QTest::addColumn<list>("messages");
-        QTest::addColumn<qint64>("failures");
-        QTest::addColumn<QStringList>("sources");
-        QTest::addColumn<bool>("output_trouble");
-        const auto row = [](const char* name, const list& messages, qint64 failures, const QStringList& sources = {},
-                            bool trouble = false) {
-            QTest::newRow(name) << messages << failures << sources << trouble;
-        };
-        row("clean run", {"[find_source_file]---STARTS---", "[extract_cookies] ----- ENDS ------"}, 0);
-        row("an insert in three lines",
-            {" --------INSERTION Query ----FAILED------/r/Cortana.sqlite", "Error :- no such table: x",
-             "Query :- INSERT INTO"},
-            1);
-        row("other insert failures",
-            {"[extract_cookies]--- insertion query fails   --- ", "In sert query -----FAILED----- in graphed_cache ",
-             "Unable to open file in graph cache"},
-            3);
-        row("a table that cannot be made",
-            {" query  --------FAILED------ db file - /r/Cortana.sqlite", "CALLER FUNCTION -  -  void x()",
-             " command -  create table", " error -  syntax", " table creation -----FAILED---- cookies"},
-            1);
-        row("full disk",
-            {"--------INSERTION Query ----FAILED------", "Error :- database or disk is full Unable to fetch row"}, 1,
-            {}, true);
+    void counts_failures_and_sources() {
         const QByteArray found = "---- FILE EXIST--";
         const QByteArray hive = "/s/Users/anna/NTUSER.DAT";
         const QByteArray odd = "/s/Users/FAILED\nx fails   --- disk I/O error/NTUSER.DAT";
-        row("found sources", {found + hive, found + odd}, 0, {QString::fromUtf8(hive), QString::fromUtf8(odd)});
-    }
-    void counts_failures_and_sources() {
-        QFETCH(list, messages);
+        list harmless{"[find_source_file]---STARTS---",         "Error :- no such table: x", "Query :- INSERT INTO",
+                      "CALLER FUNCTION -  -  void x()",         " command -  create table",  " error -  syntax",
+                      " table creation -----FAILED---- cookies"};
+        harmless << found + hive << found + odd;
+        const list failing{" --------INSERTION Query ----FAILED------/r/Cortana.sqlite",
+                           "[extract_cookies]--- insertion query fails   --- ",
+                           "In sert query -----FAILED----- in graphed_cache ", "Unable to open file in graph cache",
+                           " query  --------FAILED------ db file - /r/Cortana.sqlite"};
+        const QByteArray trouble = "Error :- database or disk is full Unable to fetch row";
         QByteArray plain = "earlier FAILED line\n";
         const int offset = plain.size();
         QByteArray secret = plain;
-        for (const QByteArray& message : messages) {
+        for (const QByteArray& message : harmless + failing + list{trouble}) {
             plain += start + message + '\n';
             secret += enciphered(start + message);
         }
@@ -131,9 +112,10 @@ private Q_SLOTS:
             QVERIFY(file.open() && file.write(log) == log.size() && file.flush());
             log_findings findings;
             QVERIFY(read_log(file.fileName(), offset, findings));
-            QTEST(findings.failures, "failures");
-            QTEST(findings.found_sources, "sources");
-            QTEST(!findings.output_trouble.isEmpty(), "output_trouble");
+            QCOMPARE(findings.failures, qint64(failing.size()));
+            QCOMPARE(findings.first_failures.join(QLatin1Char('\n')).toUtf8(), QByteArrayList(failing).join('\n'));
+            QCOMPARE(findings.found_sources, (QStringList{QString::fromUtf8(hive), QString::fromUtf8(odd)}));
+            QCOMPARE(findings.output_trouble.toUtf8(), trouble);
         }
     }
 
@@ -141,13 +123,13 @@ private Q_SLOTS:
         const host_case host;
         const QByteArray plain = start + "a\xff\x1b[2J\n\n" + start + "no line break at the end";
         host.write(host.base() + "/plain", plain);
-        const host_answer whole = host.run({q("log"), q("{B}/plain")});
+        const host_answer whole = host.run("log {B}/plain"_q);
         QCOMPARE(whole.out, plain);
         QCOMPARE(whole.code, 0);
         QByteArray log = enciphered("first") + enciphered("sec\xc3\xb6nd\nline") + enciphered("third");
         log[enciphered("first").size() + 6] = '!';
         host.write(host.base() + "/broken", log);
-        const host_answer broken = host.run({q("log"), q("{B}/broken")});
+        const host_answer broken = host.run("log {B}/broken"_q);
         QCOMPARE(broken.out, QByteArray("first\nthird\n"));
         QCOMPARE(broken.error, "cortana: record 2 of " + host.base() + "/broken cannot be deciphered\n");
         QCOMPARE(broken.code, 3);

@@ -3,13 +3,11 @@
 #pragma once
 
 #include "plugin/host_interface.h"
+#include "result_db/schema.h"
+#include "tests/support/file_content.h"
 #include "tests/support/test_text.h"
 
-#include <QFile>
 #include <QLibrary>
-#include <QObject>
-#include <QRegularExpression>
-#include <QVector>
 
 #include <memory>
 
@@ -19,14 +17,14 @@ class signal_recorder : public QObject {
 
 public:
     QStringList seen;
-    host_interface* cancel_at_table_1 = nullptr;
+    bool cancels_at_a_table = false;
 
 public Q_SLOTS:
     void records(qint64 count) { seen << "records %1"_q.arg(count); }
     void tables(int count) {
         seen << "tables %1"_q.arg(count);
-        if (cancel_at_table_1 != nullptr) {
-            cancel_at_table_1->pub_cancel_extraction();
+        if (cancels_at_a_table) {
+            static_cast<host_interface*>(sender())->pub_cancel_extraction();
         }
     }
 };
@@ -41,17 +39,17 @@ struct run_settings {
     QString scheme = "winOS"_q;
     bool encipher = false;
     QString database() const { return result + "/Artifacts_Result/Cortana/Cortana.sqlite"_q; }
+    QStringList log_lines() const {
+        return QString::fromUtf8(whole_file(result + ".log"_q)).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
 };
 
-// Lines of a log without their times, the path shortened to a word.
-inline QStringList without_times(QStringList lines, const QString& path, const QString& word) {
-    lines.replaceInStrings(QRegularExpression("^\\[[^\\]]*\\]"_q), QString());
-    return lines.replaceInStrings(path, word);
-}
-
-inline QByteArray whole_file(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+inline QStringList all_tables() {
+    QStringList names;
+    for (const result_table& table : result_tables()) {
+        names << QLatin1String(table.name);
+    }
+    return names;
 }
 
 class loaded_plugin {
@@ -95,10 +93,8 @@ public:
     void extract() const {
         object->pub_find_source_file();
         object->pub_extract_artifacts();
-        object->pub_remove_temporary_asthetics();
     }
     host_interface* operator->() const { return object.get(); }
-    host_interface* get() const { return object.get(); }
     signal_recorder signals_seen;
 
 private:

@@ -4,6 +4,7 @@
 
 #include "common/plugin_static_function.h"
 #include "result_db/schema.h"
+#include "tests/support/file_content.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -14,28 +15,27 @@
 
 namespace {
 
-// A connection of its own for one use.
-class test_database {
-public:
-    explicit test_database(const QString& path) {
+// Runs one statement on a connection of its own; the rows that it gives, as texts.
+QVector<QStringList> run_statement(const QString& path, const QString& statement) {
+    QVector<QStringList> rows;
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE"_q, "test_database"_q);
         database.setDatabaseName(path);
-        if (!database.open()) {
-            qFatal("cannot open %s", qPrintable(path));
+        database.open();
+        QSqlQuery query(statement, database);
+        if (!query.isActive()) {
+            qFatal("%s: %s: %s", qPrintable(path), qPrintable(statement), qPrintable(query.lastError().text()));
+        }
+        while (query.next()) {
+            rows.append(QStringList());
+            for (int i = 0; i < query.record().count(); ++i) {
+                rows.last() << query.value(i).toString();
+            }
         }
     }
-    ~test_database() {
-        database = QSqlDatabase();
-        QSqlDatabase::removeDatabase("test_database"_q);
-    }
-    QSqlQuery run(const QString& statement) const {
-        QSqlQuery query(database);
-        if (!query.exec(statement)) {
-            qFatal("%s: %s", qPrintable(statement), qPrintable(query.lastError().text()));
-        }
-        return query;
-    }
-    QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE"_q, "test_database"_q);
-};
+    QSqlDatabase::removeDatabase("test_database"_q);
+    return rows;
+}
 
 std::function<void()> action_at_failure;
 
@@ -45,21 +45,15 @@ void watch_for_failures(QtMsgType, const QMessageLogContext&, const QString& mes
     }
 }
 
-struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source_record(const QString& root,
-                                                                   const QList<QPair<QString, QString>>& users) {
-    struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info record;
-    record.fs_extraction_source_path = root;
-    record.os_scheme_display = "Windows"_q;
-    record.os_scheme_internal = "winOS"_q;
-    for (const auto& user : users) {
-        record.system_account_QList.append({user.first, user.second});
-    }
-    return record;
-}
-
 } // namespace
 
-test_case_folder::test_case_folder(const QList<QPair<QString, QString>>& accounts) : users(accounts) {
+test_case_folder::test_case_folder(const QList<QPair<QString, QString>>& accounts) {
+    source.fs_extraction_source_path = root();
+    source.os_scheme_display = "Windows"_q;
+    source.os_scheme_internal = "winOS"_q;
+    for (const auto& account : accounts) {
+        source.system_account_QList.append({account.first, account.second});
+    }
     QDir().mkpath(root());
     QDir().mkpath(result_dir());
     for (const result_table& table : result_tables()) {
@@ -68,7 +62,7 @@ test_case_folder::test_case_folder(const QList<QPair<QString, QString>>& account
     plugin_static_function::set_essentials();
     plugin_static_function::set_engine_type(0);
     plugin_static_function::set_source_count(1);
-    plugin_static_function::set_source_info(source_record(root(), users));
+    plugin_static_function::set_source_info(source);
     struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info general;
     general.debug_mode_status = true;
     general.debug_print_in_file = true;
@@ -98,19 +92,16 @@ std::unique_ptr<cortana_winos> test_case_folder::make_front(const QStringList& t
     front->winos_set_engine_type(0);
     front->winos_set_plugin_name("Cortana"_q);
     front->winos_set_source_count(1);
-    front->winos_set_source_info(source_record(root(), users));
+    front->winos_set_source_info(source);
     front->winos_set_essential_for_vantor_desk_extraction(tables);
     front->winos_set_destination_location(result_dir(), result_dir() + "tmp/"_q, database_path());
     return front;
 }
 
 QStringList test_case_folder::take_log() {
-    QFile log(folder.path() + "/debug.log"_q);
-    if (!log.open(QIODevice::ReadOnly) || !log.seek(log_position)) {
-        return {};
-    }
-    QString text = QString::fromLocal8Bit(log.readAll());
-    log_position = log.pos();
+    const QByteArray log = whole_file(folder.path() + "/debug.log"_q);
+    QString text = QString::fromLocal8Bit(log.mid(log_position));
+    log_position = log.size();
     static const QRegularExpression head("^\\[\\d{4}-[A-Z][a-z]{2}-\\d\\dT\\d\\d-\\d\\d-\\d\\d\\]\\[VANTOR_DESK\\]"
                                          "\\[Artifacts Extraction\\]\\[([^\\]]*)\\]"_q,
                                          QRegularExpression::MultilineOption);
@@ -122,7 +113,7 @@ QStringList test_case_folder::take_log() {
 }
 
 void test_case_folder::execute(const QString& statement) const {
-    test_database(database_path()).run(statement);
+    run_statement(database_path(), statement);
 }
 
 QStringList test_case_folder::dump(const QString& table, const QStringList& columns) const {
@@ -133,22 +124,22 @@ QStringList dump_table(const QString& database_path, const QString& table, const
     if (!QFile::exists(database_path)) {
         qFatal("no database %s", qPrintable(database_path));
     }
-    test_database result(database_path);
     QStringList names = columns;
-    const QSqlRecord record = result.database.record(table);
-    for (int i = 0; i < record.count() && columns.isEmpty(); ++i) {
-        names.append(record.fieldName(i));
+    if (columns.isEmpty()) {
+        for (const auto& row : run_statement(database_path, "select name from pragma_table_info('%1')"_q.arg(table))) {
+            names << row.first();
+        }
     }
     QStringList selected;
     for (const QString& name : qAsConst(names)) {
         selected << "typeof(\"%1\"), \"%1\""_q.arg(name);
     }
-    QSqlQuery query = result.run("select %1 from %2 order by rowid"_q.arg(selected.join(QLatin1Char(',')), table));
     QStringList rows;
-    while (query.next()) {
+    const QString statement = "select %1 from %2 order by rowid"_q.arg(selected.join(QLatin1Char(',')), table);
+    for (const QStringList& row : run_statement(database_path, statement)) {
         QStringList values;
         for (int i = 0; i < names.size(); ++i) {
-            values << names.at(i) + "=%1:%2"_q.arg(query.value(2 * i).toString(), query.value(2 * i + 1).toString());
+            values << names[i] + "=%1:%2"_q.arg(row[2 * i], row[2 * i + 1]);
         }
         rows << values.join(" | "_q);
     }
@@ -181,33 +172,32 @@ full_disk::~full_disk() {
 }
 
 QStringList golden_lines(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        QTest::qFail(qPrintable("no golden file "_q + path), __FILE__, __LINE__);
-        return {};
-    }
-    QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    QStringList lines = QString::fromUtf8(whole_file(path)).split(QLatin1Char('\n'));
     lines.removeLast(); // what follows the last line break
+    if (lines.isEmpty()) {
+        QTest::qFail(qPrintable("no golden file "_q + path), __FILE__, __LINE__);
+    }
     return lines;
 }
 
 bool matches_golden(const QStringList& lines, const QString& path) {
     if (qEnvironmentVariableIsSet("UPDATE_GOLDEN")) {
         QFile file(path);
-        QDir().mkpath(QFileInfo(path).path());
         const QByteArray content = lines.join(QLatin1Char('\n')).toUtf8() + '\n';
         const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
         qWarning("golden file %s %s", qPrintable(path), written ? "written" : "NOT written");
         return false;
     }
-    const QStringList wanted = golden_lines(path);
-    for (int i = 0; i < qMax(lines.size(), wanted.size()); ++i) {
-        const QString line = lines.value(i, "(no line)"_q);
-        const QString golden = wanted.value(i, "(no line)"_q);
-        if (line != golden) {
-            qWarning("line %d\n  is     %s\n  golden %s", i + 1, qPrintable(line), qPrintable(golden));
-            return false;
-        }
+    const QStringList golden = golden_lines(path);
+    if (lines == golden) {
+        return true;
     }
-    return true;
+    int same = 0;
+    while (same < lines.size() && lines[same] == golden.value(same)) {
+        ++same;
+    }
+    const QString none = "(no line)"_q;
+    qWarning("line %d\n  is     %s\n  golden %s", same + 1, qPrintable(lines.value(same, none)),
+             qPrintable(golden.value(same, none)));
+    return false;
 }

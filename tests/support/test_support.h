@@ -47,8 +47,8 @@ public:
 
 private:
     QTemporaryDir folder;
-    QList<QPair<QString, QString>> users;
-    qint64 log_position = 0;
+    struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
+    int log_position = 0;
 };
 
 // The typed dump of any SQLite file's table, as above. A missing file, table or column ends the test program.
@@ -60,8 +60,6 @@ class at_failure_line {
 public:
     explicit at_failure_line(std::function<void()> action);
     ~at_failure_line();
-    at_failure_line(const at_failure_line&) = delete;
-    at_failure_line& operator=(const at_failure_line&) = delete;
 
 private:
     QtMessageHandler before;
