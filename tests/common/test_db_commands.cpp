@@ -3,8 +3,6 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/test_support.h"
 
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QtTest>
 
 using shared = plugin_static_function;
@@ -14,40 +12,37 @@ class test_db_commands : public QObject {
 
     test_case_folder folder;
     const QString path = folder.database_path();
-    QSqlDatabase database;
+    QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE"_q, "the connection"_q);
     const QString caller = "void caller()"_q;
-    QStringList log() { return folder.take_log(); }
 
 private Q_SLOTS:
     void initTestCase() {
-        database = QSqlDatabase::addDatabase("QSQLITE"_q, "the connection"_q);
         database.setDatabaseName(path);
         QVERIFY(database.open());
-        QSqlQuery(database).exec("create table pairs(a text, b text)"_q);
+        folder.execute("create table pairs(a text, b text)"_q);
+        folder.execute("insert into pairs values('1','one'),('2','two'),('2',null)"_q);
+        folder.execute("create table changed(a text, b text)"_q);
+        folder.execute("create view looked_at as select 1"_q);
     }
-    void cleanupTestCase() {
-        database.close();
-        database = QSqlDatabase();
-        QSqlDatabase::removeDatabase("the connection"_q);
-    }
-    void init() {
-        QSqlQuery(database).exec("delete from pairs"_q);
-        QSqlQuery(database).exec("insert into pairs values('1','one'),('2','two'),('2',null)"_q);
-        log();
-    }
+    void init() { folder.take_log(); }
 
     void commands_change_rows() {
-        const QString insert = "insert into pairs values('3','three')"_q;
-        const QString bound = "insert into pairs values(?,?)"_q;
+        const QString insert = "insert into changed values('3','three')"_q;
+        const QString bound = "insert into changed values(?,?)"_q;
         QVERIFY(shared::execute_db_command_by_dbpath(insert, path, caller));
         QVERIFY(shared::execute_db_command_with_addbindvalue_by_dbpath(bound, {"4"_q, "it's"_q}, path, caller));
         QVERIFY(shared::execute_db_command_by_dbreference(insert, database, caller));
         QVERIFY(
             shared::execute_db_command_with_addbindvalue_by_dbreference(bound, {"5"_q, "five"_q}, database, caller));
+        QCOMPARE(folder.take_log(), QStringList());
         QVERIFY(database.isOpen());
-        QCOMPARE(log(), QStringList());
-        QCOMPARE(folder.dump("pairs"_q).mid(3), QStringList({"a=text:3 | b=text:three"_q, "a=text:4 | b=text:it's"_q,
-                                                             "a=text:3 | b=text:three"_q, "a=text:5 | b=text:five"_q}));
+        // The connection that was opened by path is named by the function and its caller.
+        const QString name = "static bool plugin_static_function::execute_db_command_by_dbpath"
+                             "(QString, QString, QString)void caller()"_q;
+        QVERIFY(QSqlDatabase::contains(name));
+        QVERIFY(!QSqlDatabase::database(name, false).isOpen());
+        QCOMPARE(folder.dump("changed"_q), QStringList({"a=text:3 | b=text:three"_q, "a=text:4 | b=text:it's"_q,
+                                                        "a=text:3 | b=text:three"_q, "a=text:5 | b=text:five"_q}));
     }
 
     void lists() {
@@ -60,7 +55,10 @@ private Q_SLOTS:
         QCOMPARE(shared::get_stringlist_from_db_by_dbpath(all, 0, path, caller).size(), 3);
         QCOMPARE(shared::get_stringlist_from_db_with_addbindvalues_by_dbpath(some, {"none"_q}, 0, path, caller),
                  QStringList());
-        QVERIFY(matches_golden(log(), GOLDEN_DIR "/lists_log.txt"_q));
+        QVERIFY(shared::check_value_existence_in_db_by_dbreference(all, 1, "two"_q, database));
+        QVERIFY(!shared::check_value_existence_in_db_by_dbreference(all, 1, "Two"_q, database));
+        QCOMPARE(shared::get_total_tables_list_by_dbpath(path, caller).size(), 12); // no view
+        QVERIFY(matches_golden(folder.take_log(), GOLDEN_DIR "/lists_log.txt"_q));
     }
 
     void failures() {
@@ -77,30 +75,7 @@ private Q_SLOTS:
         QCOMPARE(shared::get_stringlist_from_db_with_addbindvalues_by_dbpath(nowhere, {}, 0, path, caller),
                  QStringList());
         QVERIFY(!shared::check_value_existence_in_db_by_dbreference(bad, 0, QString(), database));
-        QVERIFY(matches_golden(log(), GOLDEN_DIR "/failures_log.txt"_q));
-    }
-
-    void value_existence() {
-        const QString all = "select b from pairs"_q;
-        QVERIFY(shared::check_value_existence_in_db_by_dbreference(all, 0, "two"_q, database));
-        QVERIFY(!shared::check_value_existence_in_db_by_dbreference(all, 0, "Two"_q, database));
-        QCOMPARE(log(), QStringList());
-    }
-
-    void tables_are_the_user_tables() {
-        QSqlQuery(database).exec("create view looked_at as select 1"_q);
-        const QStringList tables = shared::get_total_tables_list_by_dbpath(path, caller);
-        QVERIFY(tables.contains("pairs"_q) && tables.contains("exportfilelist"_q));
-        QVERIFY(!tables.contains("looked_at"_q));
-        QCOMPARE(tables.size(), 11);
-    }
-
-    void connection_names_carry_the_caller() {
-        const QString name = "static bool plugin_static_function::execute_db_command_by_dbpath"
-                             "(QString, QString, QString)void caller()"_q;
-        QVERIFY(shared::execute_db_command_by_dbpath("select 1"_q, path, caller));
-        QVERIFY(QSqlDatabase::contains(name));
-        QVERIFY(!QSqlDatabase::database(name, false).isOpen());
+        QVERIFY(matches_golden(folder.take_log(), GOLDEN_DIR "/failures_log.txt"_q));
     }
 };
 

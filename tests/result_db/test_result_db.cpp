@@ -41,16 +41,6 @@ private Q_SLOTS:
         QCOMPARE(tables(), golden);
     }
 
-    void created_twice_keeps_rows() {
-        plugin->pub_set_result_directory(folder->result_dir().chopped(1)); // without a "/" at its end
-        plugin->pub_create_db_tables();
-        execute("insert into cookies(bookmark,url) values(0,'u')"_q);
-        folder->take_log();
-        plugin->pub_create_db_tables();
-        QCOMPARE(dump_table(path(), "cookies"_q, {"INT"_q, "url"_q}), QStringList("INT=integer:1 | url=text:u"_q));
-        QVERIFY(matches_golden(folder->take_log(), GOLDEN_DIR "/create_log.txt"_q));
-    }
-
     void a_failing_table_does_not_stop_the_others() {
         execute("create table helper(a)"_q);
         execute("create index cookies on helper(a)"_q);

@@ -57,10 +57,7 @@ private Q_SLOTS:
                                   "in/to_secret", "in/to_outside/secret", "in/dangling", "in/loop"}) {
             QTest::newRow(below) << below << false;
         }
-        QTest::newRow("too long") << QString(32000, QLatin1Char('x')) << false;
-        QTest::newRow("too deep") << "d/"_q.repeated(16000) << false;
         QTest::newRow("NUL") << "in/file"_q + QChar(0) + "x"_q << false;
-        QTest::newRow("newline") << "in/\nfile" << false;
     }
     void exists() {
         QFETCH(QString, below);
@@ -89,16 +86,6 @@ private Q_SLOTS:
         QCOMPARE(walked("in/"_q, false).size(), 9);
         QCOMPARE(walked("none"_q), QStringList());
         QVERIFY(walk_directory(QString(), [](const walk_entry&) { return false; })); // nothing visited
-    }
-
-    void links_count_as_what_they_lead_to_inside() {
-        source_guard guard(base());
-        QStringList files;
-        walk_directory(base() + "in"_q, [&](const walk_entry& entry) {
-            files += leads_to_regular_file(entry, guard) ? QStringList(entry.path.mid(base().size())) : QStringList();
-            return true;
-        });
-        QCOMPARE(files, QStringList({"in/.hidden/b"_q, "in/file"_q, "in/to_file"_q}));
     }
 
     void walk_leaves_access_times_alone() {
@@ -137,22 +124,6 @@ private Q_SLOTS:
         int visited = 0;
         QVERIFY(!walk_directory(base(), [&](const walk_entry&) { return ++visited < 3; }));
         QCOMPARE(visited, 3);
-    }
-
-    void walk_shows_names_that_are_not_utf8() {
-        const QByteArray name = native("odd");
-        folder.write_file("g/odd/a"_q, "");
-        QCOMPARE(::rename((name + "/a").constData(), (name + "/b\xff").constData()), 0);
-        walk_entry seen;
-        walk_directory(base() + "odd"_q, [&](const walk_entry& entry) {
-            seen = entry;
-            return true;
-        });
-        QCOMPARE(seen.native_path, name + "/b\xff");
-        QVERIFY(seen.is_regular_file);
-        QVERIFY(seen.path.endsWith("/b\uFFFD"_q));
-        QVERIFY(source_guard(base()).exists(seen.native_path));
-        QCOMPARE(::unlink(seen.native_path.constData()), 0); // the temporary folder's own clean-up cannot name it
     }
 };
 
