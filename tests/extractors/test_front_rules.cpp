@@ -2,6 +2,7 @@
 // The front's members for single values: each must reach its own rule. Inputs are such that the rules of one signature
 // give different texts.
 #include "plugin/cortana_winos.h"
+#include "tests/support/test_text.h"
 
 #include <QtTest>
 
@@ -36,13 +37,11 @@ private Q_SLOTS:
         row("original name", "\uFFFD", [](cortana_winos& f) { return f.extract_original_name(quoted, start, end); });
         row("quoted value", "\u00A0", [](cortana_winos& f) { return f.extract_data_str(start, end, quoted); });
         row("date", "0", [](cortana_winos& f) { return f.extract_date(start, end, quoted); });
-        row("graph time", "0", [](cortana_winos& f) { return f.graphed_timestamp_conversion(QStringLiteral(" ")); });
-        row("time of a registry key", "1589212345", [](cortana_winos& f) {
-            return QString::number(f.give_epoch_from_string(QStringLiteral("132336859456780000")));
-        });
-        row("time of a reminder", "1556704800", [](cortana_winos& f) {
-            return QString::number(f.timestamp_format_converter(QStringLiteral("2019-05-01T10:00:00Z")));
-        });
+        row("graph time", "0", [](cortana_winos& f) { return f.graphed_timestamp_conversion(" "_q); });
+        row("time of a registry key", "1589212345",
+            [](cortana_winos& f) { return QString::number(f.give_epoch_from_string("132336859456780000"_q)); });
+        row("time of a reminder", "1556704800",
+            [](cortana_winos& f) { return QString::number(f.timestamp_format_converter("2019-05-01T10:00:00Z"_q)); });
     }
 
     void own_rule() {

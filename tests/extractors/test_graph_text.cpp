@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The graph cutter against a slow cutter that does nothing clever, on random files, and the rules for single values.
 #include "extractors/graph_text.h"
+#include "tests/support/test_text.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -59,7 +60,7 @@ private:
         return parts.size() >= 3 ? parts.at(parts.size() - 2) : QString();
     }
     static QString date(const QString& value) {
-        return !value.isNull() && value.trimmed().isEmpty() ? QStringLiteral("0") : QString();
+        return !value.isNull() && value.trimmed().isEmpty() ? "0"_q : QString();
     }
     static QString search_id(QString value) {
         if (value.contains(QLatin1Char(':')) && value.size() >= 5) {
@@ -181,7 +182,7 @@ private Q_SLOTS:
             for (int column = 0; column < entity.size(); ++column) {
                 QVERIFY(!entity.at(column).isNull());
                 if (!entity.at(column).isEmpty()) {
-                    found += QStringLiteral("%1=%2|").arg(column).arg(entity.at(column));
+                    found += "%1=%2|"_q.arg(column).arg(entity.at(column));
                 }
             }
         }
@@ -192,23 +193,23 @@ private Q_SLOTS:
         const QByteArray data = "0 \"one\" \"\xc3\xbc\" 2 \" \" 3";
         QCOMPARE(graph_original_name(data, 0, 12), QString::fromUtf8("\xc3\xbc"));
         QCOMPARE(graph_quoted_value(data, 0, 12), QString::fromUtf8("\xc3\x83\xc2\xbc"));
-        QCOMPARE(graph_date(data, 0, 12), QStringLiteral(""));
-        QCOMPARE(graph_date(data, 12, data.size()), QStringLiteral("0"));
-        QCOMPARE(graph_quoted_value(data, 0, 6), QStringLiteral("")); // the second quote is outside
+        QCOMPARE(graph_date(data, 0, 12), ""_q);
+        QCOMPARE(graph_date(data, 12, data.size()), "0"_q);
+        QCOMPARE(graph_quoted_value(data, 0, 6), ""_q); // the second quote is outside
         for (const QString& value :
              {graph_original_name(data, 0, 0), graph_original_name(data, -9, 6), graph_quoted_value(data, 12, 2),
               graph_quoted_value(data, 90, 99), graph_quoted_value(QByteArray(), 0, 5), graph_date(data, 5, -1)}) {
             QVERIFY(value.isEmpty() && !value.isNull());
         }
-        QCOMPARE(graph_quoted_value(data, -5, 1000), QStringLiteral(" "));
+        QCOMPARE(graph_quoted_value(data, -5, 1000), " "_q);
     }
 
     void timestamps() {
         for (const char* time : {"2019-05-01T10:20:30.000Z", "2019-05-01 10:20:30"}) {
-            QCOMPARE(graph_timestamp(QLatin1String(time)), QStringLiteral(""));
+            QCOMPARE(graph_timestamp(QLatin1String(time)), ""_q);
         }
-        for (const QString& blank : {QStringLiteral(" \t"), QStringLiteral(""), QString()}) {
-            QCOMPARE(graph_timestamp(blank), QStringLiteral("0"));
+        for (const QString& blank : {" \t"_q, ""_q, QString()}) {
+            QCOMPARE(graph_timestamp(blank), "0"_q);
         }
     }
 };

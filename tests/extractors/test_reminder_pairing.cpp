@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The computed pairs against the walk over growing lists that they stand for.
 #include "extractors/reminder_pairing.h"
+#include "tests/support/test_text.h"
 
 #include <QtTest>
 
@@ -91,7 +92,7 @@ private Q_SLOTS:
                 pairing.add_file(file.keys, file.reminder_rows, file.trigger_rows);
                 QVERIFY(pairing.for_each_pair([] { return true; }, write));
             }
-            QVERIFY2(written == literal_walk(made), qPrintable(QStringLiteral("seed %1").arg(seed)));
+            QVERIFY2(written == literal_walk(made), qPrintable("seed %1"_q.arg(seed)));
         }
     }
 
@@ -99,17 +100,17 @@ private Q_SLOTS:
         QTest::addColumn<QString>("ids"); // of the trigger rows; the keys are a, b
         QTest::addColumn<int>("stop_after");
         QTest::addColumn<bool>("finished");
-        QTest::newRow("before the first pair") << QStringLiteral("ab") << 0 << false;
-        QTest::newRow("between the pairs") << QStringLiteral("ab") << 1 << false;
-        QTest::newRow("nothing is left") << QStringLiteral("ab") << 2 << true;
-        QTest::newRow("rows are left that pair with nothing") << QStringLiteral("ba") << 2 << false;
+        QTest::newRow("before the first pair") << "ab"_q << 0 << false;
+        QTest::newRow("between the pairs") << "ab"_q << 1 << false;
+        QTest::newRow("nothing is left") << "ab"_q << 2 << true;
+        QTest::newRow("rows are left that pair with nothing") << "ba"_q << 2 << false;
     }
 
     void stops_when_told() {
         QFETCH(QString, ids);
         QFETCH(int, stop_after);
         reminder_pairing pairing;
-        pairing.add_file({QStringLiteral("a"), QStringLiteral("b")}, 2, {{ids.left(1), true}, {ids.mid(1), true}});
+        pairing.add_file(QStringList({"a"_q, "b"_q}), 2, {{ids.left(1), true}, {ids.mid(1), true}});
         int seen = 0;
         QTEST(pairing.for_each_pair([&] { return seen < stop_after; }, [&](int, int) { ++seen; }), "finished");
         QCOMPARE(seen, stop_after);

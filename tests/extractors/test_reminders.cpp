@@ -1,43 +1,56 @@
 // SPDX-License-Identifier: MIT
-// The three reminder steps on real files: log lines, several profiles, bad files, odd values.
-#include "evidence/ese_damage.h"
-#include "tests/extractors/core_files.h"
+// The reminder steps on real files: pairs over several profiles, odd values.
+#include "evidence/cortana_core_schema.h"
+#include "tests/support/test_support.h"
 
+#include <QDir>
 #include <QtTest>
 
 namespace {
 
-const QString anna = QStringLiteral("anna");
-// One reminder of each kind, with one key each.
-core_content one_of_each_kind() {
-    core_content content;
-    content.triggers = {trigger("p", 1), trigger("t", 2), trigger("c", 3), trigger("x", 12), trigger("t", 0)};
-    content.reminders = {reminder("Milch & Brötchen 🥨", nullptr)};
-    content.times = {time_row("t", may_first + 60)};
-    content.places = {{"p", 47.6, -122.3, 100.5, 0, "Käse-Markt"}};
-    content.contacts = {{"c", "rule", 1, 0, "aggregate", "tel:1", nullptr, ""}};
-    return content;
+constexpr std::int64_t may_first = 1556704800; // 2019-05-01 10:00:00 UTC
+
+struct core_content {
+    std::vector<ese_row> triggers;
+    std::vector<ese_row> reminders;
+    std::vector<ese_row> times;
+    std::vector<ese_row> places;
+    core_table place_table = core_location_triggers();
+};
+
+// Without reminders there is no table of them.
+void write_core(const test_case_folder& folder, const char* user, const core_content& content) {
+    const QString directory =
+        folder.package_folder(QLatin1String(user)) + "LocalState/ESEDatabase_CortanaCoreInstance/"_q;
+    QDir().mkpath(directory);
+    ese_writer file(QFile::encodeName(directory + "CortanaCoreDb.dat"_q).constData(), 4096);
+    const auto write = [&file](const core_table& table, const std::vector<ese_row>& rows) {
+        file.begin_table(table.name, table.columns);
+        for (const ese_row& row : rows) {
+            file.add_row(row);
+        }
+        file.end_table();
+    };
+    write(core_triggers(), content.triggers);
+    if (!content.reminders.empty()) {
+        write(core_reminders(), content.reminders);
+    }
+    write(core_time_triggers(), content.times);
+    write(content.place_table, content.places);
+    file.close();
 }
 
-using extractor = void (cortana_winos::*)();
+ese_row trigger(const ese_value& id, int kind) {
+    return {id, "r", kind, filetime_of(may_first)};
+}
 
-struct step_case {
-    const char* table;
-    extractor extract;
-};
+ese_row reminder(const ese_value& title) {
+    const std::int64_t made = filetime_of(may_first);
+    return {"r", 1, 0, made, made + 10000000, made + 20000000, nullptr, title, "text"};
+}
 
-const step_case steps[] = {
-    {"time_reminders", &cortana_winos::extract_timetriggers},
-    {"place_reminders", &cortana_winos::extract_place_reminders},
-    {"contact_triggers", &cortana_winos::extract_contact_triggers},
-};
-
-void add_steps() {
-    QTest::addColumn<int>("step");
-    int number = 0;
-    for (const step_case& step : steps) {
-        QTest::newRow(step.table) << number++;
-    }
+ese_row time_row(const ese_value& id, int seconds) {
+    return {id, filetime_of(may_first + seconds), 0, "", 1, 0, "", ""};
 }
 
 } // namespace
@@ -46,123 +59,59 @@ class test_reminders : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void log_lines_data() { add_steps(); }
-
-    void log_lines() {
-        QFETCH(int, step);
-        const QString table = QLatin1String(steps[step].table);
-        test_case_folder test_case;
-        const auto front = test_case.make_front();
-        const auto log_of_step = [&] {
-            front->find_source_file();
-            test_case.take_log();
-            (front.get()->*steps[step].extract)();
-            return test_case.take_log();
-        };
-        const QStringList good = log_of_step(); // no source
-
-        core_content other_kinds = one_of_each_kind();
-        other_kinds.triggers = {trigger("p", 4), trigger("t", 4), trigger("c", 4)};
-        write_core(core_path(test_case, anna), other_kinds);
-        QCOMPARE(log_of_step(), good);
-        QCOMPARE(test_case.dump(table), QStringList());
-
-        write_core(core_path(test_case, anna), one_of_each_kind());
-        test_case.execute(QStringLiteral("drop table ") + table);
-        QStringList log = good + log_of_step();
-        front->winos_set_destination_location(test_case.result_dir(), QString(), test_case.result_dir());
-        log += log_of_step();
-        QVERIFY(matches_golden(log, QStringLiteral(GOLDEN_DIR "/") + table + QStringLiteral("_log.txt")));
-    }
-
-    void earlier_profiles_are_written_again() {
-        const QString bernd = QStringLiteral("bernd");
-        const test_case_folder test_case({{anna, anna}, {bernd, bernd}});
-        core_content second = one_of_each_kind();
-        second.reminders = {reminder("Bernds")};
-        write_core(core_path(test_case, anna), one_of_each_kind());
-        write_core(core_path(test_case, bernd), second);
-        const auto front = test_case.make_front();
-        front->find_source_file();
-        front->extract_contact_triggers();
-        const QStringList rows =
-            test_case.dump(QStringLiteral("contact_triggers"),
-                           {QStringLiteral("system_user"), QStringLiteral("contact_name"), QStringLiteral("title")});
-        const auto row = [](const char* user, const char* title) {
-            return QStringLiteral("system_user=text:%1 | contact_name=text: | title=text:%2")
-                .arg(QString::fromUtf8(user), QString::fromUtf8(title));
-        };
-        // bernd's file is read for anna's key too, whose copy pairs with nothing, and for his own.
-        QCOMPARE(rows, (QStringList{row("anna", "Milch & Brötchen 🥨"), row("bernd", "Milch & Brötchen 🥨"),
-                                    row("bernd", "Bernds"), row("bernd", "Bernds")}));
-    }
-
-    void bad_file_leaves_the_other_profile_whole_data() {
-        QTest::addColumn<QString>("damage");
-        for (const char* damage : {"zero length", "cut off", "header", "Triggers", "Reminders", "TimeTriggers"}) {
-            QTest::newRow(damage) << QString::fromLatin1(damage);
+    // Keys that repeat, are cut to the same text, differ between UTF-8 and Latin-1, are empty or absent; a kind that
+    // only begins like the step's; a file that cannot be read and one without reminders. The keys of earlier files
+    // count for later ones, whose reminders fill the places that the second file leaves.
+    void pairs_over_several_profiles() {
+        const QStringList users = {"anna"_q, "bad"_q, "bernd"_q, "cora"_q};
+        QList<QPair<QString, QString>> accounts;
+        for (const QString& user : users) {
+            accounts.append({user, QString()});
         }
-    }
-
-    // bernd's file is damaged and comes first; anna's row must be there, and no row that nobody wrote.
-    void bad_file_leaves_the_other_profile_whole() {
-        QFETCH(QString, damage);
-        const QString bernd = QStringLiteral("bernd");
-        const test_case_folder test_case({{bernd, bernd}, {anna, anna}});
-        core_content damaged = one_of_each_kind();
-        damaged.triggers = {trigger("b", 2)};
-        damaged.times = {time_row("b")};
-        const QString path = core_path(test_case, bernd);
-        write_core(path, damaged);
-        write_core(core_path(test_case, anna), one_of_each_kind());
-        const std::filesystem::path file = QFile::encodeName(path).constData();
-        if (damage == QLatin1String("zero length")) {
-            ese_truncate(file, 0);
-        } else if (damage == QLatin1String("cut off")) {
-            ese_truncate(file, 20 * 4096);
-        } else if (damage == QLatin1String("header")) {
-            ese_flip_bit(file, 50, 3);
-        } else {
-            ese_zero_page(file, ese_pages_of(file, ese_table_object(file, damage.toStdString())).front().number);
-        }
-        const auto front = test_case.make_front();
+        const test_case_folder folder(accounts);
+        core_content first;
+        first.triggers = {trigger(std::string("a\0b", 3), 2), trigger("é", 2), trigger("x", 22), trigger(nullptr, 2),
+                          trigger("y", 1)};
+        first.reminders = {reminder("1"), reminder("2"), reminder("3"), reminder("4"), reminder("5")};
+        first.times = {time_row("é", 1), time_row("a", 2), time_row("x", 3), time_row("", 4), time_row("y", 5)};
+        write_core(folder, "anna", first);
+        folder.write_file(folder.package_folder("bad"_q).mid(folder.root().size()) +
+                              "LocalState/ESEDatabase_CortanaCoreInstance/CortanaCoreDb.dat"_q,
+                          "no database");
+        core_content second;
+        second.triggers = {trigger("a", 2)};
+        second.times = {time_row("a", 11), time_row("é", 12)};
+        write_core(folder, "bernd", second);
+        core_content third;
+        third.triggers = {trigger("c", 2)};
+        third.reminders = {reminder("6"), reminder("7"), reminder("8")};
+        third.times = {time_row("a", 21), time_row("c", 22)};
+        write_core(folder, "cora", third);
+        const auto front = folder.make_front();
         front->find_source_file();
+        QCOMPARE(front->found_cortana_core_db_files().size(), users.size());
         front->extract_timetriggers();
-        QStringList rows = test_case.dump(QStringLiteral("time_reminders"),
-                                          {QStringLiteral("system_user"), QStringLiteral("date_time")});
-        QVERIFY(rows.removeOne(QStringLiteral("system_user=text:anna | date_time=integer:1556704860")));
-        for (const QString& row : qAsConst(rows)) { // with only "Reminders" damaged, bernd's trigger still counts
-            QVERIFY2(damage == QLatin1String("Reminders") &&
-                         row.endsWith(QStringLiteral("date_time=integer:1556704800")),
-                     qPrintable(row));
-        }
+        QVERIFY(matches_golden(folder.dump("time_reminders"_q, {"system_user"_q, "date_time"_q, "title"_q}),
+                               GOLDEN_DIR "/time_reminders_rows.txt"_q));
     }
 
     void coordinates_that_are_no_numbers() {
-        const test_case_folder test_case;
-        const QString path = core_path(test_case, anna);
-        QDir().mkpath(QFileInfo(path).path());
-        ese_writer file(QFile::encodeName(path).constData(), 4096);
-        const auto write = [&file](const core_table& table, const ese_row& row) {
-            file.begin_table(table.name, table.columns);
-            file.add_row(row);
-            file.end_table();
-        };
-        core_table places = core_location_triggers();
-        places.columns[1].type = places.columns[2].type = places.columns[3].type = ese_type::text;
-        write(core_triggers(), trigger("p", 1));
-        write(places, {"p", " 47°N", "'); drop table x", "1e3", nullptr, "here"});
-        file.close();
-        const auto front = test_case.make_front();
+        const test_case_folder folder;
+        core_content content;
+        content.triggers = {trigger("p", 1)};
+        std::vector<ese_column>& columns = content.place_table.columns;
+        columns[1].type = columns[2].type = columns[3].type = ese_type::text;
+        content.places = {{"p", " 47°N", "'); drop table x", "1e3", nullptr, "here"}};
+        write_core(folder, "anna", content);
+        const auto front = folder.make_front();
         front->find_source_file();
         front->extract_place_reminders();
         // No reminder stands at the trigger's position: the row is there, with empty reminder values.
-        QCOMPARE(test_case.dump(QStringLiteral("place_reminders"),
-                                {QStringLiteral("title"), QStringLiteral("creation_time"), QStringLiteral("latitude"),
-                                 QStringLiteral("map_url"), QStringLiteral("start_date_time")}),
-                 QStringList(QStringLiteral("title=text: | creation_time=integer:0 | latitude=text: 47°N | "
-                                            "map_url=text:https://www.google.com/maps?q= 47°N,'); drop table x | "
-                                            "start_date_time=integer:0")));
+        QCOMPARE(folder.dump("place_reminders"_q,
+                             {"title"_q, "creation_time"_q, "latitude"_q, "map_url"_q, "start_date_time"_q}),
+                 QStringList("title=text: | creation_time=integer:0 | latitude=text: 47°N | "
+                             "map_url=text:https://www.google.com/maps?q= 47°N,'); drop table x | "
+                             "start_date_time=integer:0"_q));
     }
 };
 

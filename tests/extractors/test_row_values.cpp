@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The values that rows of several tables share.
 #include "extractors/row_values.h"
+#include "tests/support/test_text.h"
 
 #include <QDateTime>
 #include <QtTest>
@@ -34,25 +35,25 @@ private Q_SLOTS:
         for (const auto& zone : zones) {
             qputenv("TZ", zone.first);
             tzset();
-            QCOMPARE(iso_text_to_unix_seconds(QStringLiteral("2019-05-01T10:00:00Z")), zone.second);
-            QCOMPARE(iso_text_to_unix_seconds(QStringLiteral(" 2019-05-01 10:00:00 ")), zone.second);
+            QCOMPARE(iso_text_to_unix_seconds("2019-05-01T10:00:00Z"_q), zone.second);
+            QCOMPARE(iso_text_to_unix_seconds(" 2019-05-01 10:00:00 "_q), zone.second);
         }
         qputenv("TZ", before);
         tzset();
         for (const char* nothing : {"", "  ", "Z", "TZ"}) {
             QCOMPARE(iso_text_to_unix_seconds(QLatin1String(nothing)), qint64(0));
         }
-        QCOMPARE(iso_text_to_unix_seconds(QStringLiteral("132000000000000000")),
+        QCOMPARE(iso_text_to_unix_seconds("132000000000000000"_q),
                  QDateTime().toMSecsSinceEpoch() / 1000); // an invalid date-time's own answer
     }
 
     void below_root() {
         const QPair<const char*, const char*> cases[] = {
-            {"/r/Users/a", "/Users/a"}, {"/r//Users", "/Users"}, {"x/Users", "x/Users"}, {"/r/", "/"},
+            {"/r/Users/a", "/Users/a"}, {"/r//Users", "/Users"}, {"x/r/Users", "x/r/Users"}, {"/r/", "/"},
             {"/R/Users", "/R/Users"},
         };
         for (const auto& [path, shown] : cases) {
-            QCOMPARE(path_below_root(QLatin1String(path), QStringLiteral("/r/")), QLatin1String(shown));
+            QCOMPARE(path_below_root(QLatin1String(path), "/r/"_q), QLatin1String(shown));
         }
     }
 };

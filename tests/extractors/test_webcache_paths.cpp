@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The rules on WebCache containers and entries.
 #include "extractors/webcache_paths.h"
+#include "tests/support/test_text.h"
 
 #include <QtTest>
 
@@ -18,58 +19,20 @@ class test_webcache_paths : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void container_is_selected_by_name_and_directory_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("directory");
-        QTest::addColumn<QString>("selected");
-        row("anywhere in it", "Content", "C:/myCortanas/", "yes");
-        row("mixed case", "Content", "C:/coRtana/", "no");
-        row("no directory", "Content", "", "no");
-        row("longer name", "Content ", "C:/Cortana/", "no");
-        row("no name", "", "C:/Cortana/", "no");
-    }
-
-    void container_is_selected_by_name_and_directory() {
-        QFETCH(QString, name);
-        QFETCH(QString, directory);
-        specific_table::struct_container_data container;
-        container.name = name;
-        container.directory = directory;
-        QTEST(QString::fromLatin1(is_cortana_container(container, QStringLiteral("Content")) ? "yes" : "no"),
-              "selected");
-    }
-
-    void secure_sub_directory_of_index_data() {
-        QTest::addColumn<QString>("index");
-        QTest::addColumn<QString>("sub_directory");
-        row("first", "1", "ABCD1234");
-        row("second", "2", "EFGH5678");
-        row("in the second copy", "3", "ABCD1234");
-        row("last", "4", "EFGH5678");
-        for (const char* none :
-             {"5", "0", "-1", "-2147483648", "4294967295", "99999999999999999999", "", "abc", "1.0"}) {
-            row(qPrintable(QStringLiteral("none for '%1'").arg(QLatin1String(none))), none, "");
-        }
-    }
-
-    void secure_sub_directory_of_index() {
-        QFETCH(QString, index);
-        specific_table::struct_ano_data entry;
-        entry.secure_directory = index;
-        QCOMPARE(secure_sub_directory(entry), QString()); // no list: empty whatever the index
-        const QStringList names{QStringLiteral("ABCD1234"), QStringLiteral("EFGH5678")};
-        entry.container_secure_directories = names + names;
-        QTEST(secure_sub_directory(entry), "sub_directory");
-    }
-
     void windows_paths_data() {
         QTest::addColumn<QString>("directory");
         QTest::addColumn<QString>("index");
         QTest::addColumn<QString>("filename");
         QTest::addColumn<QString>("with_secure_directory");
         QTest::addColumn<QString>("without");
-        row("listed", "C:/Cortana/", "1", "a.js", "C:/Cortana/ABCD1234/a.js", "C:/Cortana/a.js");
-        row("doubled slash", "C:/Cortana/", "0", "a.js", "C:/Cortana//a.js", "C:/Cortana/a.js");
+        row("first", "C:/", "1", "f", "C:/ABCD1234/f", "C:/f");
+        row("second", "C:/", "2", "f", "C:/EFGH5678/f", "C:/f");
+        row("in the second copy", "C:/", "3", "f", "C:/ABCD1234/f", "C:/f");
+        row("last", "C:/", "4", "f", "C:/EFGH5678/f", "C:/f");
+        for (const char* none :
+             {"5", "0", "-1", "-2147483648", "4294967295", "99999999999999999999", "", "abc", "1.0"}) {
+            row(qPrintable("none for '%1'"_q.arg(QLatin1String(none))), "C:/", none, "f", "C://f", "C:/f");
+        }
         row("no file name", "C:/Cortana/", "1", "", "C:/Cortana/ABCD1234/", "C:/Cortana/");
         row("nothing at all", "", "", "", "/", "");
         row("package corrected wherever it is", "C:/microsoft.windows.cortana_x/", "0",
@@ -88,8 +51,10 @@ private Q_SLOTS:
         QFETCH(QString, filename);
         specific_table::struct_ano_data entry;
         entry.container_directory = directory;
-        entry.container_secure_directories = QStringList{QStringLiteral("ABCD1234")};
         entry.secure_directory = index;
+        QCOMPARE(secure_sub_directory(entry), QString()); // no list: empty whatever the index
+        const QStringList names{"ABCD1234"_q, "EFGH5678"_q};
+        entry.container_secure_directories = names + names;
         entry.filename = filename;
         QTEST(windows_path_in_secure_directory(entry), "with_secure_directory");
         QTEST(windows_path_in_directory(entry), "without");
@@ -108,7 +73,7 @@ private Q_SLOTS:
     void on_disk_path_replaces_every_drive() {
         QFETCH(QString, windows_path);
         // A root that holds the searched text itself: what was put in is not searched again.
-        QTEST(on_disk_path(windows_path, QStringLiteral("/mnt/C:/")), "path");
+        QTEST(on_disk_path(windows_path, "/mnt/C:/"_q), "path");
     }
 
     void urls_data() {
@@ -140,11 +105,11 @@ private Q_SLOTS:
     }
 
     void texts_made_to_grow_take_no_memory() {
-        const QString drives = QStringLiteral("C:/").repeated(1 << 20);
-        const QString root = QStringLiteral("/mnt/") + QString(1000, QLatin1Char('x')) + QLatin1Char('/');
+        const QString drives = "C:/"_q.repeated(1 << 20);
+        const QString root = "/mnt/"_q + QString(1000, QLatin1Char('x')) + QLatin1Char('/');
         QCOMPARE(on_disk_path(drives, root), drives);
-        QCOMPARE(on_disk_path(drives, QStringLiteral("/m/")), QStringLiteral("/m/").repeated(1 << 20));
-        QCOMPARE(url_without_domstore(QStringLiteral("DOMStore:").repeated(1 << 20)), QString());
+        QCOMPARE(on_disk_path(drives, "/m/"_q), "/m/"_q.repeated(1 << 20));
+        QCOMPARE(url_without_domstore("DOMStore:"_q.repeated(1 << 20)), QString());
     }
 };
 
