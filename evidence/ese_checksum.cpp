@@ -4,6 +4,8 @@
 
 #include "evidence/ese_bytes.h"
 
+#include <cstddef>
+
 namespace {
 
 std::uint32_t parity(std::uint32_t word) {
@@ -24,17 +26,9 @@ std::uint32_t word_code(std::uint32_t word) {
     return code;
 }
 
-} // namespace
-
-std::uint32_t ese_header_checksum(const std::string& header) {
-    std::uint32_t sum = 0x89ABCDEF;
-    for (std::size_t at = 4; at + 4 <= header.size(); at += 4) {
-        sum ^= get_le<std::uint32_t>(header.data() + at);
-    }
-    return sum;
-}
-
-std::uint64_t ese_block_checksum(const char* block, std::size_t size, std::uint32_t page_number, bool first) {
+// Of one block of a page: a whole page of up to 8192 bytes, or a quarter of a larger one. `first` leaves out the eight
+// bytes at the page's start, where the result belongs. The size must be a multiple of 16.
+std::uint64_t block_checksum(const char* block, std::size_t size, std::uint32_t page_number, bool first) {
     std::uint32_t column[4] = {0, 0, 0, 0};
     std::uint32_t ecc = 0;
     for (std::uint32_t i = 0; i < size / 16; ++i) {
@@ -61,12 +55,22 @@ std::uint64_t ese_block_checksum(const char* block, std::size_t size, std::uint3
     return static_cast<std::uint64_t>(ecc) << 32 | (all ^ page_number);
 }
 
+} // namespace
+
+std::uint32_t ese_header_checksum(const std::string& header) {
+    std::uint32_t sum = 0x89ABCDEF;
+    for (std::size_t at = 4; at + 4 <= header.size(); at += 4) {
+        sum ^= get_le<std::uint32_t>(header.data() + at);
+    }
+    return sum;
+}
+
 void ese_set_page_checksums(std::string& page, std::uint32_t page_number) {
     const bool small = page.size() <= 8192;
     const std::size_t block = small ? page.size() : page.size() / 4;
     // The first quarter last: it contains the checksums of the others.
     for (std::size_t quarter = small ? 1 : 4; quarter-- > 0;) {
-        const auto sum = ese_block_checksum(page.data() + quarter * block, block, page_number, quarter == 0);
+        const auto sum = block_checksum(page.data() + quarter * block, block, page_number, quarter == 0);
         put_le(page.data() + (quarter == 0 ? 0 : 32 + 8 * quarter), sum);
     }
 }

@@ -4,7 +4,6 @@
 
 #include "evidence/ese_bytes.h"
 #include "evidence/ese_catalog.h"
-#include "evidence/ese_checksum.h"
 #include "evidence/ese_pages.h"
 
 #include <fstream>
@@ -54,9 +53,18 @@ void replace(const path& file, std::uint64_t offset, std::size_t size,
     write_at(stream, offset, data);
 }
 
+std::uint32_t page_size_of(const path& file) {
+    auto stream = open(file);
+    const auto size = get_le<std::uint32_t>(read_at(stream, 236, 4).data());
+    if (size < 2048 || size > 32768 || (size & (size - 1)) != 0) {
+        throw ese_error("ESE damage: file has no valid page size");
+    }
+    return size;
+}
+
 void each_page(const path& file, std::uint32_t object,
                const std::function<void(std::uint32_t number, const std::string& data)>& visit) {
-    const std::uint32_t page_size = ese_page_size(file);
+    const std::uint32_t page_size = page_size_of(file);
     const std::uint64_t pages = std::filesystem::file_size(file) / page_size;
     auto stream = open(file);
     for (std::uint32_t number = 1; number + 1 < pages; ++number) {
@@ -95,8 +103,11 @@ std::string name_of(const std::string& record) {
     return record.substr(name_at, get_le<std::uint16_t>(&record[fixed_end]));
 }
 
-void each_catalog_record(const path& file, std::uint16_t kind, const std::function<void(const std::string&)>& visit) {
+} // namespace
+
+std::uint32_t ese_table_object(const path& file, const std::string& table) {
     constexpr std::size_t smallest = 4 + 26;
+    std::uint32_t object = 0;
     each_page(file, ese_catalog_object, [&](std::uint32_t, const std::string& page) {
         const auto tags = get_le<std::uint16_t>(&page[34]);
         if ((get_le<std::uint32_t>(&page[36]) & ese_flag_leaf) == 0 || tags > page.size() / 4) {
@@ -104,29 +115,10 @@ void each_catalog_record(const path& file, std::uint16_t kind, const std::functi
         }
         for (std::uint16_t tag = 1; tag < tags; ++tag) {
             const std::string record = record_of(page, tag);
-            if (record.size() >= smallest && get_le<std::uint16_t>(&record[8]) == kind) {
-                visit(record);
+            if (record.size() >= smallest && get_le<std::uint16_t>(&record[8]) == ese_entry_table &&
+                name_of(record) == table) {
+                object = get_le<std::uint32_t>(&record[4]);
             }
-        }
-    });
-}
-
-} // namespace
-
-std::uint32_t ese_page_size(const path& file) {
-    auto stream = open(file);
-    const auto size = get_le<std::uint32_t>(read_at(stream, 236, 4).data());
-    if (size < 2048 || size > 32768 || (size & (size - 1)) != 0) {
-        throw ese_error("ESE damage: file has no valid page size");
-    }
-    return size;
-}
-
-std::uint32_t ese_table_object(const path& file, const std::string& table) {
-    std::uint32_t object = 0;
-    each_catalog_record(file, ese_entry_table, [&](const std::string& record) {
-        if (name_of(record) == table) {
-            object = get_le<std::uint32_t>(&record[4]);
         }
     });
     if (object == 0) {
@@ -135,23 +127,10 @@ std::uint32_t ese_table_object(const path& file, const std::string& table) {
     return object;
 }
 
-std::uint32_t ese_long_value_object(const path& file, const std::string& table) {
-    const std::uint32_t owner = ese_table_object(file, table);
-    std::uint32_t object = 0;
-    each_catalog_record(file, ese_entry_long_values, [&](const std::string& record) {
-        if (get_le<std::uint32_t>(&record[4]) == owner) {
-            object = get_le<std::uint32_t>(&record[10]);
-        }
-    });
-    return object;
-}
-
 std::vector<ese_page> ese_pages_of(const path& file, std::uint32_t object) {
     std::vector<ese_page> result;
     each_page(file, object, [&](std::uint32_t number, const std::string& data) {
-        const auto flags = get_le<std::uint32_t>(&data[36]);
-        result.push_back(
-            {number, (flags & ese_flag_root) != 0, (flags & ese_flag_leaf) != 0, get_le<std::uint16_t>(&data[34])});
+        result.push_back({number, (get_le<std::uint32_t>(&data[36]) & ese_flag_leaf) != 0});
     });
     return result;
 }
@@ -178,20 +157,6 @@ void ese_set_byte(const path& file, std::uint64_t offset, std::uint8_t value) {
 }
 
 void ese_zero_page(const path& file, std::uint32_t page) {
-    const std::uint32_t size = ese_page_size(file);
+    const std::uint32_t size = page_size_of(file);
     replace(file, offset_of(page, size), size, [](std::string& data) { data.assign(data.size(), '\0'); });
-}
-
-void ese_copy_page(const path& file, std::uint32_t from, std::uint32_t over) {
-    const std::uint32_t size = ese_page_size(file);
-    auto stream = open(file);
-    const std::string data = read_at(stream, offset_of(from, size), size);
-    replace(file, offset_of(over, size), size, [&data](std::string& page) { page = data; });
-}
-
-void ese_repair_header(const path& file) {
-    const std::uint32_t size = ese_page_size(file);
-    for (std::uint64_t copy = 0; copy < 2; ++copy) {
-        replace(file, copy * size, size, [](std::string& data) { put_le(&data[0], ese_header_checksum(data)); });
-    }
 }

@@ -60,19 +60,16 @@ private Q_SLOTS:
         QTEST(gathered<text_search_registry>(writer.bytes()), "records");
     }
 
-    void recents_data_is_raw_data() {
-        QTest::addColumn<QByteArray>("data");
-        QTest::newRow("none") << QByteArray();
-        QTest::newRow("kept in the value's cell") << QByteArray("abc");
-        QTest::newRow("odd length with zeros") << QByteArray("a\0b\0c", 5);
-        QTest::newRow("1 MB") << QByteArray(1000000, '\x7f');
-    }
     void recents_data_is_raw() {
-        QFETCH(QByteArray, data);
+        const QByteArray large(1000000, '\x7f');
         hive_writer writer;
-        writer.set_values(writer.add_path(q("start\\.&input=x")), {value_of(q("0"), data)});
-        QCOMPARE(gathered<text_search_registry>(writer.bytes()),
-                 QStringList{q((".&input=x/0/" + data.toHex()).constData())});
+        writer.set_values(writer.add_path(q("start\\.&input=x")),
+                          {value_of(q("none"), ""), value_of(q("kept in the value's cell"), "abc"),
+                           value_of(q("odd length with zeros"), QByteArray("a\0b\0c", 5)), value_of(q("1 MB"), large)});
+        QStringList wanted = list_of(".&input=x/none/|.&input=x/kept in the value's cell/616263|"
+                                     ".&input=x/odd length with zeros/6100620063");
+        wanted << q(".&input=x/1 MB/") + q(large.toHex().constData());
+        QCOMPARE(gathered<text_search_registry>(writer.bytes()), wanted);
     }
 
     // 1,000 values that all point at the same megabyte.
