@@ -7,6 +7,9 @@
 
 #include <QtTest>
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 const QString containers = QStringLiteral("Containers");
@@ -132,6 +135,19 @@ private Q_SLOTS:
             QCOMPARE(reader.list_ano_data.last().container_secure_directories, repeated(names, 25));
         }
         QCOMPARE(reader.list_ano_data.size(), 4);
+    }
+
+    // A damaged file chooses both numbers.
+    void copies_end_at_a_limit() {
+        write_numbered(1);
+        constexpr int limit = webcache_reader::most_repeated_names;
+        for (const int count : {limit / 10, limit + 1}) {
+            QStringList names;
+            std::fill_n(std::back_inserter(names), count, two_names.first());
+            cache reader;
+            reader.start_parsing(file(), container_1, QStringLiteral("d"), names);
+            QCOMPARE(reader.list_ano_data.value(0).container_secure_directories.size(), count * qMax(1, limit / count));
+        }
     }
 
     void rows_without_values_have_no_names() {
