@@ -60,6 +60,8 @@ class at_failure_line {
 public:
     explicit at_failure_line(std::function<void()> action);
     ~at_failure_line();
+    at_failure_line(const at_failure_line&) = delete;
+    at_failure_line& operator=(const at_failure_line&) = delete;
 
 private:
     QtMessageHandler before;
