@@ -2,38 +2,14 @@
 // Rows are never taken away during a run, and SQLite gives each new one the highest key so far plus one.
 #include "host/row_counts.h"
 
-#include <QSqlDatabase>
+#include "host/read_only_database.h"
+
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
-#include <functional>
-
-namespace {
-
-const QString connection_name = QStringLiteral("cortana_host_row_counts");
-
-// Runs the work on an open read-only connection, which is gone afterwards.
-bool with_database(const QString& file, QString& error, const std::function<bool(QSqlDatabase&)>& work) {
-    bool done = false;
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_name);
-        database.setDatabaseName(file);
-        database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-        if (database.open()) {
-            done = work(database);
-        } else {
-            error = database.lastError().text();
-        }
-    }
-    QSqlDatabase::removeDatabase(connection_name);
-    return done;
-}
-
-} // namespace
-
 bool read_highest_keys(const QString& file, const QStringList& tables, highest_keys& keys, QString& error) {
-    return with_database(file, error, [&](QSqlDatabase& database) {
+    return with_read_only_database(file, error, [&](QSqlDatabase& database) {
         QSqlQuery query(database);
         for (const QString& table : tables) {
             if (!query.exec(QStringLiteral("select max(INT) from ") + table) || !query.next()) {
@@ -48,7 +24,7 @@ bool read_highest_keys(const QString& file, const QStringList& tables, highest_k
 
 bool count_rows_above(const QString& file, const highest_keys& keys, added_rows& counts, qint64& total,
                       QString& error) {
-    return with_database(file, error, [&](QSqlDatabase& database) {
+    return with_read_only_database(file, error, [&](QSqlDatabase& database) {
         QSqlQuery query(database);
         for (auto key = keys.begin(); key != keys.end(); ++key) {
             query.prepare(QStringLiteral("select system_user,count(*) from %1 where INT > ? group by system_user")

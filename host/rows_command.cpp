@@ -4,18 +4,18 @@
 
 #include "host/console.h"
 #include "host/exit_codes.h"
+#include "host/read_only_database.h"
 
 #include <QDateTime>
 #include <QFileInfo>
-#include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QVariant>
 
-namespace {
+#include <algorithm>
 
-const QString connection_name = QStringLiteral("cortana_host_rows");
+namespace {
 
 // Columns that are the same in every row or repeat another column.
 const QStringList left_out = {QStringLiteral("bookmark"), QStringLiteral("INT"), QStringLiteral("os_scheme_display"),
@@ -78,18 +78,10 @@ bool list_table(QSqlDatabase& database, const QString& table, QString& error) {
 int run_rows_command(const rows_options& options) {
     const QString file = database_in(options.result);
     QString error;
-    bool done = false;
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_name);
-        database.setDatabaseName(file);
-        database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-        done = database.open();
-        error = done ? QString() : database.lastError().text();
-        for (int i = 0; done && i < options.tables.size(); ++i) {
-            done = list_table(database, options.tables.at(i), error);
-        }
-    }
-    QSqlDatabase::removeDatabase(connection_name);
+    const bool done = with_read_only_database(file, error, [&](QSqlDatabase& database) {
+        return std::all_of(options.tables.begin(), options.tables.end(),
+                           [&](const QString& table) { return list_table(database, table, error); });
+    });
     if (!error.isEmpty()) {
         say(QStringLiteral("cannot read the result database %1: %2").arg(file, error));
     }

@@ -2,7 +2,8 @@
 // libesedb and hivex are the plugin's; their versions are those that this tree was built with.
 #include "host/versions.h"
 
-#include <QSqlDatabase>
+#include "host/read_only_database.h"
+
 #include <QSqlQuery>
 #include <QVariant>
 #include <QtGlobal>
@@ -12,17 +13,13 @@
 namespace {
 
 QString sqlite_version() {
-    const QString name = QStringLiteral("cortana_host_versions");
     QString version = QStringLiteral("missing (no Qt driver for it)");
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        database.setDatabaseName(QStringLiteral(":memory:"));
-        if (database.open()) {
-            QSqlQuery query(QStringLiteral("select sqlite_version()"), database);
-            version = query.next() ? query.value(0).toString() : version;
-        }
-    }
-    QSqlDatabase::removeDatabase(name);
+    QString error;
+    with_read_only_database(QStringLiteral(":memory:"), error, [&version](QSqlDatabase& database) {
+        QSqlQuery query(QStringLiteral("select sqlite_version()"), database);
+        version = query.next() ? query.value(0).toString() : version;
+        return true;
+    });
     return version;
 }
 
