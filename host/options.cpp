@@ -7,6 +7,8 @@
 #include <QCommandLineParser>
 #include <QMap>
 
+#include <optional>
+
 namespace {
 
 const QString help_name = QStringLiteral("help");
@@ -22,6 +24,12 @@ command_line help(const QString& text) {
     command_line answer;
     answer.what = command::help;
     answer.text = text;
+    return answer;
+}
+
+command_line versions() {
+    command_line answer;
+    answer.what = command::version;
     return answer;
 }
 
@@ -81,6 +89,27 @@ void describe_extract(QCommandLineParser& parser) {
     add("library", "Plugin library (default libcortana.so beside the program).", "FILE");
     add("json", "Prints the summary as one JSON document.");
     add("quiet", "Prints errors only.");
+}
+
+// Reads a command's words. Gives the answer when that is settled by them: help, versions, or that the command does not
+// take these words; nothing when it takes them.
+std::optional<command_line> settle_words(QCommandLineParser& parser, const QStringList& arguments, int paths,
+                                         const char* taken, const char* examples = "") {
+    const bool understood = parser.parse(arguments);
+    const QStringList words = parser.positionalArguments();
+    if (parser.isSet(help_name)) {
+        return help(parser.helpText() + QLatin1String(examples));
+    }
+    if (parser.isSet(version_name)) {
+        return versions();
+    }
+    if (!understood) {
+        return refusal(parser.errorText());
+    }
+    if (words.size() != 1 + paths || words.contains(QString())) {
+        return refusal(QLatin1String(taken));
+    }
+    return std::nullopt;
 }
 
 // NAME or NAME=DOMAIN_USER. Both name a folder below Users/, so neither may lead elsewhere.
@@ -153,25 +182,14 @@ QString read_extract_values(const QCommandLineParser& parser, extract_options& o
 command_line read_extract(const QStringList& arguments) {
     QCommandLineParser parser;
     describe_extract(parser);
-    const bool understood = parser.parse(arguments);
-    if (parser.isSet(help_name)) {
-        return help(parser.helpText() + QLatin1String(extract_examples));
+    if (const auto settled =
+            settle_words(parser, arguments, 2, "extract takes two folders, SOURCE and RESULT", extract_examples)) {
+        return *settled;
     }
     command_line line;
     line.what = command::extract;
-    if (parser.isSet(version_name)) {
-        line.what = command::version;
-        return line;
-    }
-    if (!understood) {
-        return refusal(parser.errorText());
-    }
-    const QStringList words = parser.positionalArguments();
-    if (words.size() != 3 || words[1].isEmpty() || words[2].isEmpty()) {
-        return refusal(QStringLiteral("extract takes two folders, SOURCE and RESULT"));
-    }
-    line.extract.source = words[1];
-    line.extract.result = words[2];
+    line.extract.source = parser.positionalArguments().at(1);
+    line.extract.result = parser.positionalArguments().at(2);
     const QString refused = read_extract_values(parser, line.extract);
     return refused.isEmpty() ? line : refusal(refused);
 }
@@ -185,17 +203,12 @@ command_line read_rows(const QStringList& arguments) {
     const QString tables_name = QStringLiteral("tables");
     parser.addOption(
         {tables_name, QStringLiteral("Lists these result tables only, separated by commas."), QStringLiteral("NAMES")});
-    const bool understood = parser.parse(arguments);
-    if (parser.isSet(help_name)) {
-        return help(parser.helpText());
-    }
-    const QStringList words = parser.positionalArguments();
-    if (!understood || words.size() != 2 || words[1].isEmpty()) {
-        return refusal(understood ? QStringLiteral("rows takes one folder, RESULT") : parser.errorText());
+    if (const auto settled = settle_words(parser, arguments, 1, "rows takes one folder, RESULT")) {
+        return *settled;
     }
     command_line line;
     line.what = command::rows;
-    line.rows.result = words[1];
+    line.rows.result = parser.positionalArguments().at(1);
     if (!parser.isSet(tables_name)) {
         line.rows.tables = result_table_names();
         return line;
@@ -210,17 +223,12 @@ command_line read_log(const QStringList& arguments) {
     parser.addPositionalArgument(QStringLiteral("log"), QStringLiteral("The command."));
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The debug log."));
     add_common_options(parser);
-    const bool understood = parser.parse(arguments);
-    if (parser.isSet(help_name)) {
-        return help(parser.helpText());
-    }
-    const QStringList words = parser.positionalArguments();
-    if (!understood || words.size() != 2 || words[1].isEmpty()) {
-        return refusal(understood ? QStringLiteral("log takes one file") : parser.errorText());
+    if (const auto settled = settle_words(parser, arguments, 1, "log takes one file")) {
+        return *settled;
     }
     command_line line;
     line.what = command::log;
-    line.log_file = words[1];
+    line.log_file = parser.positionalArguments().at(1);
     return line;
 }
 
@@ -243,9 +251,7 @@ command_line read_command_line(const QStringList& arguments) {
         return help(general_help(arguments.first()));
     }
     if (parser.isSet(version_name)) {
-        command_line line;
-        line.what = command::version;
-        return line;
+        return versions();
     }
     if (words.isEmpty()) {
         return refusal(QStringLiteral("a command is missing: extract, rows or log"));

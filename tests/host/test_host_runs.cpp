@@ -74,6 +74,18 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(QString::fromUtf8(host.result() + "/Artifacts_Result/Cortana/tmp")));
     }
 
+    void versions_come_before_arguments() {
+        const host_case host;
+        const QByteArray versions = host.run("--version"_q).out;
+        QVERIFY(versions.startsWith("cortana ") && versions.contains("\nlibesedb 2") &&
+                versions.contains("\nSQLite 3"));
+        for (const char* command : {"extract", "rows", "log"}) {
+            const host_answer answer = host.run(QLatin1String(command) + " --version"_q);
+            QCOMPARE(answer.code, 0);
+            QCOMPARE(answer.out, versions);
+        }
+    }
+
     void prints_tables() {
         const host_case host;
         add_two_profiles(host);
