@@ -152,10 +152,10 @@ int report(const run_summary& summary, const extract_options& options) {
 }
 
 // The profiles to examine; empty with the exit code set when there are none.
-QList<system_account> choose_profiles(const extract_options& options, const QByteArray& source, source_health& health,
+QList<system_account> choose_profiles(const extract_options& options, source_health& health,
                                       const health_report& findings, int& code) {
     struct stat status = {};
-    const QByteArray users = source == "/" ? QByteArrayLiteral("/Users") : source + "/Users";
+    const QByteArray users = health.users_folder();
     if (!options.users.isEmpty() && ::lstat(users.constData(), &status) == 0) {
         return options.users;
     }
@@ -194,7 +194,7 @@ int run_extract_command(const extract_options& options) {
     }
     const std::function<bool()> cancelled = is_cancelled;
     source_health health(source, options.tables, cancelled, summary.health);
-    const QList<system_account> accounts = choose_profiles(options, source, health, summary.health, code);
+    const QList<system_account> accounts = choose_profiles(options, health, summary.health, code);
     if (accounts.isEmpty()) {
         return code;
     }

@@ -25,13 +25,14 @@ public:
 
     // Checks all that the plugin reads for this account, under both of its names.
     void check_account(const system_account& account);
+    // Where the profiles lie, whether it is there or not.
+    QByteArray users_folder() const;
 
 private:
     struct place;
     void check_profile(const QByteArray& profile);
     void check_package_folder(const QByteArray& packages, const QByteArray& name);
     void check_place(const QByteArray& folder, const place& wanted);
-    QByteArray users_folder() const;
 
     evidence_paths paths;
     QStringList selected;

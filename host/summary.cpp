@@ -102,8 +102,9 @@ QJsonArray json_findings(const QVector<finding>& findings) {
 
 QJsonArray json_rows(const run_summary& summary) {
     QJsonArray list;
+    const QStringList users = users_of(summary);
     for (const QString& table : summary.tables) {
-        for (const QString& user : users_of(summary)) {
+        for (const QString& user : users) {
             list.append(QJsonObject{{QStringLiteral("table"), table},
                                     {QStringLiteral("system_user"), user},
                                     {QStringLiteral("rows"), rows_of(summary, table, {user})}});
