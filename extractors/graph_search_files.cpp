@@ -8,13 +8,10 @@
 #include "source/quiet_open.h"
 #include "source/source_guard.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <limits>
 #include <new>
 #include <optional>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
@@ -57,55 +54,17 @@ const bindings<graph_row> columns = {
     {"source_count_name", source_count_of},
 };
 
-// A descriptor that is closed on every way out.
-class open_file {
-public:
-    explicit open_file(const QByteArray& native_path)
-        : handle(open_quietly(native_path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {}
-    ~open_file() {
-        if (handle >= 0) {
-            ::close(handle);
-        }
-    }
-    open_file(const open_file&) = delete;
-    open_file& operator=(const open_file&) = delete;
-
-    // Bytes of a regular file; -1 for anything else.
-    qint64 size() const {
-        struct stat status = {};
-        return handle >= 0 && ::fstat(handle, &status) == 0 && S_ISREG(status.st_mode) ? qint64(status.st_size) : -1;
-    }
-    // True when all the bytes that were asked for came.
-    bool read(char* to, qint64 count) const {
-        while (count > 0) {
-            const ssize_t got = ::read(handle, to, static_cast<std::size_t>(count));
-            if (got < 0 && errno == EINTR) {
-                continue;
-            }
-            if (got <= 0) {
-                return false;
-            }
-            to += got;
-            count -= got;
-        }
-        return true;
-    }
-
-private:
-    int handle;
-};
-
 // Nothing when the file cannot be read whole, be it for its rights, its size or its medium.
 std::optional<QByteArray> whole_content(const QByteArray& native_path) {
     constexpr qint64 largest = std::numeric_limits<int>::max() - 64; // what one byte array holds
-    const open_file file(native_path);
+    const quiet_file file(native_path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     const qint64 size = file.size();
     if (size < 0 || size > largest) {
         return std::nullopt;
     }
     try {
         QByteArray content(static_cast<int>(size), Qt::Uninitialized);
-        return file.read(content.data(), size) ? std::make_optional(content) : std::nullopt;
+        return file.read(content.data(), size, 0) == size ? std::make_optional(content) : std::nullopt;
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }

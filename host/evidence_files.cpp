@@ -11,53 +11,25 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
-class open_file {
-public:
-    explicit open_file(const QByteArray& path) {
-        descriptor = open_quietly(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC);
-        error = descriptor < 0 ? errno : 0;
-    }
-    ~open_file() {
-        if (descriptor >= 0) {
-            ::close(descriptor);
-        }
-    }
-    open_file(const open_file&) = delete;
-    open_file& operator=(const open_file&) = delete;
+constexpr int for_reading = O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC;
 
-    QByteArray read(qint64 offset, qint64 size) {
-        QByteArray bytes(static_cast<int>(size), '\0');
-        int done = 0;
-        while (done < bytes.size()) {
-            const ssize_t got = ::pread(descriptor, bytes.data() + done, static_cast<size_t>(bytes.size() - done),
-                                        static_cast<off_t>(offset + done));
-            if (got < 0 && errno == EINTR) {
-                continue;
-            }
-            if (got <= 0) {
-                error = got < 0 ? errno : error;
-                break;
-            }
-            done += static_cast<int>(got);
-        }
-        bytes.truncate(done);
+void judge(const QByteArray& file, evidence_kind kind, const quiet_file& opened, health_report& report) {
+    int failed = 0; // errno of the last read that failed
+    const byte_reader read = [&](qint64 offset, qint64 count) {
+        QByteArray bytes(static_cast<int>(count), '\0');
+        const qint64 got = opened.read(bytes.data(), count, offset);
+        failed = errno != 0 ? errno : failed;
+        bytes.truncate(static_cast<int>(got));
         return bytes;
-    }
-
-    int descriptor = -1;
-    int error = 0; // errno of the last thing that failed, 0 when nothing did
-};
-
-void judge(const QByteArray& file, evidence_kind kind, open_file& opened, qint64 size, health_report& report) {
-    const byte_reader read = [&opened](qint64 offset, qint64 count) { return opened.read(offset, count); };
+    };
+    const qint64 size = opened.size();
     const header_verdict verdict =
         kind == evidence_kind::ese_database ? judge_ese_database(read, size) : judge_registry_hive(read, size);
-    if (opened.error != 0) {
-        report.add_problem(text_of(file), error_words(opened.error));
+    if (failed != 0) {
+        report.add_problem(text_of(file), error_words(failed));
     } else if (!verdict.problem.isEmpty()) {
         report.add_problem(text_of(file), verdict.problem);
     } else if (!verdict.note.isEmpty()) {
@@ -88,9 +60,9 @@ void check_tree_entry(const QByteArray& entry, QVector<QByteArray>& folders, evi
     } else if (!S_ISREG(status.st_mode)) {
         paths.report().add_note(text_of(entry), QStringLiteral("it is not a regular file; passed over"));
     } else {
-        const open_file opened(entry);
-        if (opened.error != 0) {
-            paths.report().add_problem(text_of(entry), error_words(opened.error));
+        const quiet_file opened(entry, for_reading);
+        if (!opened.is_open()) {
+            paths.report().add_problem(text_of(entry), error_words(errno));
         }
     }
 }
@@ -102,14 +74,17 @@ void check_evidence_file(const QByteArray& file, evidence_kind kind, evidence_pa
     if (!reached.there) {
         return;
     }
-    struct stat status = {};
-    open_file opened(S_ISREG(reached.mode) ? reached.real : QByteArray());
-    if (!S_ISREG(reached.mode) || (opened.error == 0 && ::fstat(opened.descriptor, &status) != 0)) {
+    if (!S_ISREG(reached.mode)) {
         paths.report().add_problem(text_of(file), QStringLiteral("it is not a regular file"));
-    } else if (opened.error != 0) {
-        paths.report().add_problem(text_of(file), error_words(opened.error));
+        return;
+    }
+    const quiet_file opened(reached.real, for_reading);
+    if (!opened.is_open()) {
+        paths.report().add_problem(text_of(file), error_words(errno));
+    } else if (opened.size() < 0) { // it was exchanged meanwhile
+        paths.report().add_problem(text_of(file), QStringLiteral("it is not a regular file"));
     } else {
-        judge(file, kind, opened, status.st_size, paths.report());
+        judge(file, kind, opened, paths.report());
     }
 }
 

@@ -9,6 +9,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 // As open(2) with flags; -1 and errno when it fails. The caller closes the descriptor.
@@ -19,6 +20,42 @@ inline int open_quietly(const QByteArray& native_path, int flags) {
     }
     return handle;
 }
+
+// A file opened so. Check is_open() first; errno tells why not.
+class quiet_file {
+public:
+    quiet_file(const QByteArray& native_path, int flags) : handle(open_quietly(native_path, flags)) {}
+    ~quiet_file() {
+        if (handle >= 0) {
+            ::close(handle);
+        }
+    }
+    quiet_file(const quiet_file&) = delete;
+    quiet_file& operator=(const quiet_file&) = delete;
+
+    bool is_open() const { return handle >= 0; }
+    // Bytes of a regular file; -1 for anything else.
+    qint64 size() const {
+        struct stat status = {};
+        return is_open() && ::fstat(handle, &status) == 0 && S_ISREG(status.st_mode) ? qint64{status.st_size} : -1;
+    }
+    // Puts up to count bytes from offset into to and returns how many; fewer at the end of the file (errno is 0 then)
+    // and when a read fails (errno says why).
+    qint64 read(char* to, qint64 count, qint64 offset) const {
+        qint64 done = 0;
+        for (errno = 0; done < count; errno = 0) {
+            const ssize_t got = ::pread(handle, to + done, static_cast<size_t>(count - done), offset + done);
+            if (got == 0 || (got < 0 && errno != EINTR)) {
+                break;
+            }
+            done += got > 0 ? got : 0;
+        }
+        return done;
+    }
+
+private:
+    int handle;
+};
 
 struct close_folder {
     void operator()(DIR* folder) const { ::closedir(folder); }
