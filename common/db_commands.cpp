@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SQL commands on any SQLite file. The failure texts differ in their blanks from operation to operation; each stands
 // here whole, exactly as it is logged.
+#include "common/named_connection.h"
 #include "common/plugin_static_function.h"
 
 #include <QSqlError>
@@ -33,11 +34,7 @@ bool run_list(QSqlQuery& query, const QString& command, const optional_values& v
 
 // Replaces any connection of that name; the result may be closed (the file did not open).
 QSqlDatabase open_database(const QString& path, const QString& connection_name) {
-    if (QSqlDatabase::contains(connection_name)) {
-        QSqlDatabase::removeDatabase(connection_name);
-    }
-    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_name);
-    database.setDatabaseName(path);
+    QSqlDatabase database = replace_connection(connection_name, path);
     database.open();
     return database;
 }

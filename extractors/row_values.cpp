@@ -2,6 +2,7 @@
 // Implementation of the values that rows of several tables share.
 #include "extractors/row_values.h"
 
+#include "common/filetime.h"
 #include "common/plugin_static_function.h"
 #include "extractors/step_run.h"
 
@@ -22,11 +23,9 @@ QString path_below_root(const QString& path, const QString& root) {
     return below.startsWith(QLatin1Char('/')) ? below : QLatin1Char('/') + below;
 }
 
-qint64 filetime_to_unix_seconds(const QString& filetime) {
-    constexpr qint64 ticks_before_1970 = 116444736000000000;
-    constexpr qint64 ticks_per_second = 10000000;
-    const qint64 ticks = filetime.trimmed().toLongLong();
-    return ticks > 0 ? (ticks - ticks_before_1970) / ticks_per_second : 0;
+qint64 filetime_to_unix_seconds(const QString& text) {
+    const qint64 ticks = text.trimmed().toLongLong();
+    return ticks > 0 ? (ticks - filetime::ticks_before_1970) / filetime::ticks_per_second : 0;
 }
 
 qint64 iso_text_to_unix_seconds(const QString& text) {

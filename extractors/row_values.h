@@ -46,7 +46,7 @@ QString path_below_root(const QString& path, const QString& root);
 
 // FILETIME (100 ns since 1601-01-01 UTC) as decimal text to Unix seconds, truncating toward zero. 0 for an empty text,
 // for text that is no number and for values not above 0.
-qint64 filetime_to_unix_seconds(const QString& filetime);
+qint64 filetime_to_unix_seconds(const QString& text);
 
 // "yyyy-MM-ddThh:mm:ssZ" read as local time of this machine, to Unix seconds. 0 for an empty text; a text that does
 // not parse gives what an invalid QDateTime gives.

@@ -4,6 +4,7 @@
 // hold.
 #include "registry/registry.h"
 
+#include "common/filetime.h"
 #include "registry/hive_handles.h"
 
 #include <QFileInfo>
@@ -15,9 +16,6 @@
 #include <vector>
 
 namespace {
-
-constexpr qint64 ticks_before_1970 = 116444736000000000; // from 1601-01-01, 100 ns each
-constexpr qint64 ticks_per_second = 10000000;
 
 // The least that a key, and a value, takes in a hive; a value keeps data of up to four bytes in its own cell.
 constexpr size_t least_key_size = 80;
@@ -192,7 +190,8 @@ void registry::run_only_multiple_recurse(hive_h* hive, int node, QMap<QString, i
 void registry::find_node_value_length(hive_h*, hive_value_h, QString) {}
 
 void registry::note_timestamp(hive_h* hive, hive_node_h node) {
-    node_timestamp = QString::number((hivex_node_timestamp(hive, node) - ticks_before_1970) / ticks_per_second);
+    node_timestamp =
+        QString::number((hivex_node_timestamp(hive, node) - filetime::ticks_before_1970) / filetime::ticks_per_second);
 }
 
 bool registry::may_read(size_t bytes) {
@@ -209,10 +208,10 @@ quint64 registry::htoll(unsigned char* bytes, int) {
 }
 
 quint64 registry::epoc_time_conversion(QByteArray bytes) {
-    unsigned char filetime[sizeof(quint64)] = {};
-    std::copy_n(bytes.constData(), qMin(bytes.size(), static_cast<int>(sizeof(filetime))), filetime);
+    unsigned char ticks[sizeof(quint64)] = {};
+    std::copy_n(bytes.constData(), qMin(bytes.size(), static_cast<int>(sizeof(ticks))), ticks);
     // Deliberate: unsigned arithmetic; a time before 1970 wraps to a huge number that readers know.
-    return (htoll(filetime, 1) - static_cast<quint64>(ticks_before_1970)) / static_cast<quint64>(ticks_per_second);
+    return (htoll(ticks, 1) - quint64{filetime::ticks_before_1970}) / quint64{filetime::ticks_per_second};
 }
 
 QByteArray registry::raw_data(hive_h* hive, hive_value_h value) {

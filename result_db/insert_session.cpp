@@ -2,6 +2,8 @@
 // Implementation of the extractors' connection and transaction.
 #include "result_db/insert_session.h"
 
+#include "common/named_connection.h"
+
 #include <QSqlError>
 #include <QSqlResult>
 
@@ -23,12 +25,8 @@ public:
 
 } // namespace
 
-insert_session::insert_session(const QString& database_path, const QString& connection_name) : name(connection_name) {
-    if (QSqlDatabase::contains(name)) {
-        QSqlDatabase::removeDatabase(name);
-    }
-    database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-    database.setDatabaseName(database_path);
+insert_session::insert_session(const QString& database_path, const QString& connection_name)
+    : name(connection_name), database(replace_connection(name, database_path)) {
     if (!database.open()) {
         error = database.lastError().text();
         return;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The life of the result database: where it lies, how its tables come into being, how they are emptied. Members of the
 // plugin object.
+#include "common/named_connection.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "plugin/cortana.h"
@@ -39,8 +40,7 @@ bool create_all_tables(QSqlDatabase& database) {
 }
 
 bool create_tables_in(const QString& database_path) {
-    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), create_tables_text);
-    database.setDatabaseName(database_path);
+    QSqlDatabase database = replace_connection(create_tables_text, database_path);
     if (!database.open()) {
         log_creation(QStringLiteral("[create_db_tables]Destination Db opening -----FAILED----- for table creation"));
         log_creation(database.lastError().text());
@@ -82,9 +82,6 @@ void cortana::create_destination_database() {
 
 void cortana::create_db_tables() {
     log_creation(QStringLiteral("[create_db_tables] -starts-"));
-    if (QSqlDatabase::contains(create_tables_text)) {
-        QSqlDatabase::removeDatabase(create_tables_text);
-    }
     const bool created = create_tables_in(destination_db_path);
     QSqlDatabase::removeDatabase(create_tables_text);
     if (created) {
