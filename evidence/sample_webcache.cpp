@@ -2,6 +2,7 @@
 // The sample's WebCacheV01.dat: containers of Cortana's package and of others, side by side as Windows keeps them, with
 // and without the files that their entries name.
 #include "evidence/cortana_core_schema.h"
+#include "evidence/sample_files.h"
 #include "evidence/sample_source.h"
 #include "evidence/webcache_schema.h"
 
@@ -118,11 +119,8 @@ bool write_file_of(const QString& profile_folder, const sample_container& contai
         directory += QLatin1String(container.secure_directories + std::ptrdiff_t{8} * (entry.secure_directory - 1), 8) +
                      QLatin1Char('/');
     }
-    QFile file(profile_folder + directory + QLatin1String(entry.filename));
-    const std::string content = content_of(entry);
-    const auto size = static_cast<qint64>(content.size());
-    return QDir().mkpath(profile_folder + directory) && file.open(QIODevice::WriteOnly) &&
-           file.write(content.data(), size) == size;
+    return write_sample_file(profile_folder + directory + QLatin1String(entry.filename),
+                             QByteArray::fromStdString(content_of(entry)));
 }
 
 void write_database(const QString& path, const sample_profile& profile) {

@@ -2,18 +2,9 @@
 // Columns with the ids that Windows gives them.
 #include "evidence/webcache_schema.h"
 
-namespace {
+#include "evidence/schema_column.h"
 
-ese_column column(std::uint32_t id, const char* name, ese_type type) {
-    ese_column made;
-    made.id = id;
-    made.name = name;
-    made.type = type;
-    if (type == ese_type::text || type == ese_type::large_text) {
-        made.code_page = ese_code_page::utf_16;
-    }
-    return made;
-}
+namespace {
 
 constexpr std::int64_t container_limit = 346030080;
 const char response_headers[] = "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nETag: \"5d1f\"\r\n\r\n";
@@ -21,48 +12,48 @@ const char response_headers[] = "HTTP/1.1 200 OK\r\nContent-Type: text/html; cha
 } // namespace
 
 std::vector<ese_column> webcache_container_columns() {
-    return {column(1, "ContainerId", ese_type::signed_64),
-            column(2, "SetId", ese_type::unsigned_32),
-            column(3, "Flags", ese_type::unsigned_32),
-            column(4, "Size", ese_type::signed_64),
-            column(5, "Limit", ese_type::signed_64),
-            column(6, "LastScavengeTime", ese_type::signed_64),
-            column(7, "EntryMaxAge", ese_type::unsigned_32),
-            column(8, "LastAccessTime", ese_type::signed_64),
-            column(128, "Name", ese_type::text),
-            column(256, "PartitionId", ese_type::large_text),
-            column(257, "Directory", ese_type::large_text),
-            column(258, "SecureDirectories", ese_type::large_text),
-            column(259, "SecureUsage", ese_type::large_binary),
-            column(260, "Group", ese_type::large_binary)};
+    return {schema_column("ContainerId", ese_type::signed_64, 1),
+            schema_column("SetId", ese_type::unsigned_32, 2),
+            schema_column("Flags", ese_type::unsigned_32, 3),
+            schema_column("Size", ese_type::signed_64, 4),
+            schema_column("Limit", ese_type::signed_64, 5),
+            schema_column("LastScavengeTime", ese_type::signed_64, 6),
+            schema_column("EntryMaxAge", ese_type::unsigned_32, 7),
+            schema_column("LastAccessTime", ese_type::signed_64, 8),
+            schema_column("Name", ese_type::text, 128),
+            schema_column("PartitionId", ese_type::large_text, 256),
+            schema_column("Directory", ese_type::large_text, 257),
+            schema_column("SecureDirectories", ese_type::large_text, 258),
+            schema_column("SecureUsage", ese_type::large_binary, 259),
+            schema_column("Group", ese_type::large_binary, 260)};
 }
 
 std::vector<ese_column> webcache_entry_columns() {
-    return {column(1, "EntryId", ese_type::signed_64),
-            column(2, "ContainerId", ese_type::signed_64),
-            column(3, "CacheId", ese_type::signed_64),
-            column(4, "UrlHash", ese_type::signed_64),
-            column(5, "SecureDirectory", ese_type::unsigned_32),
-            column(6, "FileSize", ese_type::signed_64),
-            column(7, "Type", ese_type::unsigned_32),
-            column(8, "Flags", ese_type::unsigned_32),
-            column(9, "AccessCount", ese_type::unsigned_32),
-            column(10, "SyncTime", ese_type::signed_64),
-            column(11, "CreationTime", ese_type::signed_64),
-            column(12, "ExpiryTime", ese_type::signed_64),
-            column(13, "ModifiedTime", ese_type::signed_64),
-            column(14, "AccessedTime", ese_type::signed_64),
-            column(15, "PostCheckTime", ese_type::signed_64),
-            column(16, "SyncCount", ese_type::unsigned_32),
-            column(17, "ExemptionDelta", ese_type::unsigned_32),
-            column(256, "Url", ese_type::large_text),
-            column(257, "Filename", ese_type::large_text),
-            column(258, "FileExtension", ese_type::large_text),
-            column(259, "RequestHeaders", ese_type::large_binary),
-            column(260, "ResponseHeaders", ese_type::large_binary),
-            column(261, "RedirectUrl", ese_type::large_text),
-            column(262, "Group", ese_type::large_text),
-            column(263, "ExtraData", ese_type::large_binary)};
+    return {schema_column("EntryId", ese_type::signed_64, 1),
+            schema_column("ContainerId", ese_type::signed_64, 2),
+            schema_column("CacheId", ese_type::signed_64, 3),
+            schema_column("UrlHash", ese_type::signed_64, 4),
+            schema_column("SecureDirectory", ese_type::unsigned_32, 5),
+            schema_column("FileSize", ese_type::signed_64, 6),
+            schema_column("Type", ese_type::unsigned_32, 7),
+            schema_column("Flags", ese_type::unsigned_32, 8),
+            schema_column("AccessCount", ese_type::unsigned_32, 9),
+            schema_column("SyncTime", ese_type::signed_64, 10),
+            schema_column("CreationTime", ese_type::signed_64, 11),
+            schema_column("ExpiryTime", ese_type::signed_64, 12),
+            schema_column("ModifiedTime", ese_type::signed_64, 13),
+            schema_column("AccessedTime", ese_type::signed_64, 14),
+            schema_column("PostCheckTime", ese_type::signed_64, 15),
+            schema_column("SyncCount", ese_type::unsigned_32, 16),
+            schema_column("ExemptionDelta", ese_type::unsigned_32, 17),
+            schema_column("Url", ese_type::large_text, 256),
+            schema_column("Filename", ese_type::large_text, 257),
+            schema_column("FileExtension", ese_type::large_text, 258),
+            schema_column("RequestHeaders", ese_type::large_binary, 259),
+            schema_column("ResponseHeaders", ese_type::large_binary, 260),
+            schema_column("RedirectUrl", ese_type::large_text, 261),
+            schema_column("Group", ese_type::large_text, 262),
+            schema_column("ExtraData", ese_type::large_binary, 263)};
 }
 
 ese_row webcache_container_row(const webcache_container& container) {
