@@ -2,6 +2,7 @@
 // Sets up the Windows front with what the steps need.
 #include "bench/bench_front.h"
 
+#include "common/named_connection.h"
 #include "common/plugin_static_function.h"
 #include "plugin/cortana_winos.h"
 #include "result_db/schema.h"
@@ -12,9 +13,7 @@
 bool make_result_database(const QString& path) {
     const QString connection = QStringLiteral("schema");
     QFile::remove(path);
-    QSqlDatabase::removeDatabase(connection);
-    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
-    database.setDatabaseName(path);
+    QSqlDatabase database = replace_connection(connection, path);
     bool made = database.open();
     for (const result_table& table : result_tables()) {
         made = made && QSqlQuery(database).exec(QLatin1String(table.create_statement));

@@ -59,17 +59,6 @@ int write_hive(const bench_files& files, int keys) {
     return hive.save(files.hive) ? 0 : 1;
 }
 
-child_figures best_of_rounds(const std::function<child_figures()>& run) {
-    child_figures best = run();
-    for (int round = 1; round < rounds && best.succeeded; ++round) {
-        const child_figures figures = run();
-        if (!figures.succeeded || figures.processor_seconds < best.processor_seconds) {
-            best = figures;
-        }
-    }
-    return best;
-}
-
 void print(const char* what, const child_figures& figures, int keys, double compared) {
     if (!figures.succeeded) {
         std::printf("  %-13s failed\n", what);
@@ -89,7 +78,7 @@ void measure_tool(const char* tool, const std::vector<std::string>& arguments, i
         std::printf("  %-13s not installed, skipped\n", tool);
         return;
     }
-    print(tool, best_of_rounds([&] { return run_child(tool, arguments); }), keys, compared);
+    print(tool, best_of(rounds, [&] { return run_child(tool, arguments); }), keys, compared);
 }
 
 bool measure(int keys) {
@@ -101,7 +90,7 @@ bool measure(int keys) {
     if (!run_self({"write", path, number}).succeeded) {
         return false;
     }
-    const child_figures searches = best_of_rounds([&] {
+    const child_figures searches = best_of(rounds, [&] {
         return make_result_database(files.result) ? run_self({"extract", path, number}) : child_figures();
     });
     std::printf("%d + %d keys, %d records, hive of %.1f MB\n", keys, keys, keys * rows_a_key,

@@ -57,21 +57,6 @@ int write_evidence(const bench_files& files, int entries) {
     return 0;
 }
 
-child_figures best_of(int rounds, const std::function<void()>& prepare, const std::function<child_figures()>& run) {
-    child_figures best;
-    for (int round = 0; round < rounds; ++round) {
-        prepare();
-        const child_figures figures = run();
-        if (!figures.succeeded) {
-            return figures;
-        }
-        if (round == 0 || figures.processor_seconds < best.processor_seconds) {
-            best = figures;
-        }
-    }
-    return best;
-}
-
 void print(const char* what, const child_figures& figures, int entries, const child_figures& compared) {
     if (!figures.succeeded) {
         std::printf("%9d  %-12s did not run\n", entries, what);
@@ -91,11 +76,13 @@ bool measure(int entries) {
         return false;
     }
     const int rounds = entries > 300000 ? 2 : 5;
-    const auto fresh_result = [&] { run_self({"result", path}); };
-    const child_figures extraction = best_of(rounds, fresh_result, [&] { return run_self({"extract", path}); });
-    const child_figures floor = best_of(rounds, fresh_result, [&] { return run_self({"floor", path}); });
-    const auto no_export = [&] { QDir(files.exported + QStringLiteral(".export")).removeRecursively(); };
-    const child_figures exported = best_of(rounds, no_export, [&] {
+    const auto into_fresh_result = [&](const char* role) {
+        return run_self({"result", path}).succeeded ? run_self({role, path}) : child_figures();
+    };
+    const child_figures extraction = best_of(rounds, [&] { return into_fresh_result("extract"); });
+    const child_figures floor = best_of(rounds, [&] { return into_fresh_result("floor"); });
+    const child_figures exported = best_of(rounds, [&] {
+        QDir(files.exported + QStringLiteral(".export")).removeRecursively();
         return run_child(QFile::exists(QStringLiteral(ESEDBEXPORT)) ? ESEDBEXPORT : "esedbexport",
                          {"-T", "Container_1", "-t", files.exported.toStdString(), files.database.toStdString()});
     });

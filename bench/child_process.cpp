@@ -76,3 +76,14 @@ child_figures must_run(const std::function<void()>& work) {
     }
     return figures;
 }
+
+child_figures best_of(int rounds, const std::function<child_figures()>& run) {
+    child_figures best = run();
+    for (int round = 1; round < rounds && best.succeeded; ++round) {
+        const child_figures figures = run();
+        if (!figures.succeeded || figures.processor_seconds < best.processor_seconds) {
+            best = figures;
+        }
+    }
+    return best;
+}

@@ -21,3 +21,5 @@ child_figures run_self(const std::vector<std::string>& arguments);
 child_figures run_work(const std::function<void()>& work);
 // The same for work without which the benchmark cannot go on: ends the program when it failed.
 child_figures must_run(const std::function<void()>& work);
+// Of so many runs the one that took least of the processor; a failed one ends them and is the answer.
+child_figures best_of(int rounds, const std::function<child_figures()>& run);
