@@ -10,12 +10,11 @@
 namespace {
 
 // The side of a QSqlResult that Qt shows to drivers. QSqlQuery's own prepare and addBindValue end there, after work
-// that costs as much as reading the row from the evidence: the one rewrites the statement's placeholders, letter by
-// letter, into the same text for every row, the other files every value under a name that it makes for it.
+// that costs as much as reading the row from the evidence: the one gives every placeholder a name, letter by letter
+// and for each row again, the other files every value under such a name. SQLite needs no names.
 class driver_side : public QSqlResult {
 public:
-    // Prepares a statement whose placeholders are rewritten already.
-    static bool prepare_rewritten(QSqlResult& result, const QString& statement) {
+    static bool prepare_as_given(QSqlResult& result, const QString& statement) {
         return (result.*&driver_side::prepare)(statement);
     }
     static void bind(const QSqlResult& result, const QVector<QVariant>& values) {
@@ -51,7 +50,7 @@ bool insert_session::insert(const QString& statement, const QVector<QVariant>& v
     }
     if (!done) {
         error = query->lastError().text();
-        executed = rewritten;
+        executed = told;
     }
     return done;
 }
@@ -60,11 +59,11 @@ bool insert_session::prepare(const QString& statement) {
     if (statement != prepared) {
         prepared = statement;
         const bool done = query->prepare(statement);
-        rewritten = query->executedQuery(); // later it may tell the statement as it was given
+        told = query->executedQuery(); // now: after an insert that succeeds it tells another text
         return done;
     }
     // The result is the query's own; Qt hands it out const because only drivers are meant to use it.
-    return driver_side::prepare_rewritten(const_cast<QSqlResult&>(*query->result()), rewritten);
+    return driver_side::prepare_as_given(const_cast<QSqlResult&>(*query->result()), statement);
 }
 
 bool insert_session::commit() {

@@ -25,7 +25,7 @@ public:
     QString error_text() const { return error; }
     // The result database as the connection names it.
     QString database_name() const { return database.databaseName(); }
-    // The text of the last failed insert or commit, as Qt gave it to SQLite.
+    // The text of the last failed insert or commit, as the query tells it.
     QString executed_query() const { return executed; }
 
     // Prepares statement anew, binds values in order and executes it. False: nothing was written, see error_text().
@@ -39,8 +39,8 @@ private:
     QString name;
     QSqlDatabase database;
     std::unique_ptr<QSqlQuery> query;
-    QString prepared;  // the last statement, as it was given
-    QString rewritten; // the same, as Qt gives it to SQLite
+    QString prepared; // the last statement, as it was given
+    QString told;     // the same, as the query tells it: with a name for each placeholder
     QString error;
     QString executed;
     bool in_transaction = false;
