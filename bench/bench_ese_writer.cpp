@@ -3,7 +3,7 @@
 //
 //   bench_ese_writer [rows [page size [file]]]      (1000000 rows, 32768 bytes; the file is removed unless named)
 #include "ese/ese_handles.h"
-#include "evidence/ese_writer.h"
+#include "samples/ese_writer.h"
 
 #include <sys/resource.h>
 

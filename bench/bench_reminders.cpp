@@ -3,7 +3,7 @@
 // seconds, microseconds a row (by the clock and of the processor) and peak memory. Each size runs in a process of its
 // own, so that the memory is its own.
 #include "bench/child_process.h"
-#include "evidence/cortana_core_schema.h"
+#include "samples/cortana_core_schema.h"
 #include "tests/support/test_support.h"
 
 #include <QApplication>

@@ -4,7 +4,7 @@
 // text. Whole processes, the best of several.
 #include "bench/bench_front.h"
 #include "bench/child_process.h"
-#include "evidence/hive_writer.h"
+#include "samples/hive_writer.h"
 
 #include <QApplication>
 #include <QDir>

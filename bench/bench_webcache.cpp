@@ -5,7 +5,7 @@
 #include "bench/bench_front.h"
 #include "bench/child_process.h"
 #include "bench/webcache_floor.h"
-#include "evidence/webcache_schema.h"
+#include "samples/webcache_schema.h"
 
 #include <QApplication>
 #include <QDir>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "ese/specific_table.h"
-#include "evidence/ese_writer.h"
+#include "samples/ese_writer.h"
 
 #include <QFile>
 #include <QMap>

@@ -5,7 +5,7 @@
 #include "ese/contact_triggers.h"
 #include "ese/place_triggers.h"
 #include "ese/timetriggers.h"
-#include "evidence/ese_damage.h"
+#include "samples/ese_damage.h"
 #include "tests/ese/ese_files.h"
 #include "tests/support/virtual_slot.h"
 

@@ -2,7 +2,7 @@
 // The WebCache readers on real files: both kinds of table, odd values.
 #include "ese/cache.h"
 #include "ese/domstore.h"
-#include "evidence/webcache_schema.h"
+#include "samples/webcache_schema.h"
 #include "tests/ese/ese_files.h"
 
 #include <QtTest>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The reminder steps on real files: pairs over several profiles, odd values.
-#include "evidence/cortana_core_schema.h"
+#include "samples/cortana_core_schema.h"
 #include "tests/support/test_support.h"
 
 #include <QDir>

@@ -3,9 +3,9 @@
 // rows that cannot be committed.
 #include "ese/cookies.h"
 #include "ese/timetriggers.h"
-#include "evidence/ese_damage.h"
-#include "evidence/hive_writer.h"
-#include "evidence/sample_source.h"
+#include "samples/ese_damage.h"
+#include "samples/hive_writer.h"
+#include "samples/sample_source.h"
 #include "extractors/reminder_procedure.h"
 #include "extractors/search_procedure.h"
 #include "extractors/webcache_procedure.h"

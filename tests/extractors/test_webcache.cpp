@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The WebCache steps on real files: which containers are read, types, a record that cannot be read, blocks of records,
 // and paths that evidence made up.
-#include "evidence/ese_damage.h"
-#include "evidence/webcache_schema.h"
+#include "samples/ese_damage.h"
+#include "samples/webcache_schema.h"
 #include "tests/support/test_support.h"
 
 #include <QDir>

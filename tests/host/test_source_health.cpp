@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The look over the evidence: every kind of damage to the way, the databases, the hive and the trees is told, and
 // sound evidence is not.
-#include "evidence/ese_writer.h"
-#include "evidence/sample_source.h"
+#include "samples/ese_writer.h"
+#include "samples/sample_source.h"
 #include "host/native_files.h"
 #include "host/source_health.h"
 #include "host/table_names.h"

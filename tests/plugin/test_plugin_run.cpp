@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Whole runs of the built library: routing, selection, cancel, counters, and the exact sequence of signals.
-#include "evidence/sample_source.h"
+#include "samples/sample_source.h"
 #include "tests/plugin/loaded_plugin.h"
 #include "tests/support/test_support.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The whole sample source through the built library: all tables, typed, and the whole log, against golden files.
-#include "evidence/sample_source.h"
+#include "samples/sample_source.h"
 #include "tests/plugin/loaded_plugin.h"
 #include "tests/support/test_support.h"
 

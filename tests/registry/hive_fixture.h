@@ -2,7 +2,7 @@
 // What tests of hives share: a file for a hive in a temporary folder, values, and short ways to write texts.
 #pragma once
 
-#include "evidence/hive_writer.h"
+#include "samples/hive_writer.h"
 
 #include <QFile>
 #include <QTemporaryDir>
