@@ -1,6 +1,5 @@
 # SPDX-License-Identifier: MIT
-# One target a folder. The folders' libraries may refer to each other in a circle (the plugin's front calls the
-# extractors, which are its members); CMake resolves that for static libraries.
+# One target a folder; packaging/check_layers.sh holds who may include whom.
 
 add_library(cortana_options INTERFACE)
 target_include_directories(cortana_options INTERFACE ${CMAKE_SOURCE_DIR})

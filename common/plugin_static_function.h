@@ -4,7 +4,7 @@
 // to the host: a failure is a log line and a false, empty or zero result. One thread only.
 #pragma once
 
-#include "plugin/host_records.h"
+#include "contract/host_records.h"
 
 #include <QDateTime>
 #include <QFile>

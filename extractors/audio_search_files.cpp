@@ -3,7 +3,7 @@
 #include "common/plugin_static_function.h"
 #include "extractors/row_values.h"
 #include "extractors/step_run.h"
-#include "plugin/cortana_winos.h"
+#include "extractors/steps.h"
 #include "source/directory_walk.h"
 #include "source/readable_alias.h"
 #include "source/source_guard.h"
@@ -102,10 +102,10 @@ bool list_folder(const QString& folder, step_run& run, source_guard& guard) {
 
 } // namespace
 
-void cortana_winos::extract_audio_search_files() {
-    run_step(context_for_step(), texts, [this](step_run& run) {
-        source_guard guard(fs_extraction_source_path);
-        for (const QString& folder : qAsConst(speech_dir_list)) {
+void fill_latest_audio_search(const step_context& context, const QStringList& folders) {
+    run_step(context, texts, [&](step_run& run) {
+        source_guard guard(context.fs_extraction_source_path);
+        for (const QString& folder : folders) {
             if (!list_folder(folder, run, guard)) {
                 return false;
             }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Result table cache_files: the files that Cortana left in the user's internet cache.
 #include "ese/cache.h"
+#include "extractors/steps.h"
 #include "extractors/webcache_paths.h"
 #include "extractors/webcache_procedure.h"
-#include "plugin/cortana_winos.h"
 
 namespace {
 
@@ -27,6 +27,6 @@ const webcache_step step{
 
 } // namespace
 
-void cortana_winos::extract_cache_files() {
-    run_webcache_step<cache>(context_for_step(), step, webcache_reader, webcache_file_list);
+void fill_cache_files(const step_context& context, std::unique_ptr<specific_table>& reader, const QStringList& files) {
+    run_webcache_step<cache>(context, step, reader, files);
 }

@@ -2,7 +2,7 @@
 // Result table contact_triggers: the reminders that fire when the user deals with a contact.
 #include "ese/contact_triggers.h"
 #include "extractors/reminder_procedure.h"
-#include "plugin/cortana_winos.h"
+#include "extractors/steps.h"
 
 namespace {
 
@@ -42,6 +42,7 @@ const reminder_step<trigger> step{
 
 } // namespace
 
-void cortana_winos::extract_contact_triggers() {
-    run_reminder_step(context_for_step(), step, contact_reader, cortana_core_db_file_list);
+void fill_contact_triggers(const step_context& context, std::unique_ptr<contact_triggers>& reader,
+                           const QStringList& files) {
+    run_reminder_step(context, step, reader, files);
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Result table cookies: the cookies that Cortana's package stored.
 #include "ese/cookies.h"
+#include "extractors/steps.h"
 #include "extractors/webcache_paths.h"
 #include "extractors/webcache_procedure.h"
-#include "plugin/cortana_winos.h"
 
 namespace {
 
@@ -28,6 +28,6 @@ const webcache_step step{
 
 } // namespace
 
-void cortana_winos::extract_cookies() {
-    run_webcache_step<cookies>(context_for_step(), step, webcache_reader, webcache_file_list);
+void fill_cookies(const step_context& context, std::unique_ptr<specific_table>& reader, const QStringList& files) {
+    run_webcache_step<cookies>(context, step, reader, files);
 }

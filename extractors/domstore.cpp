@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Result table domstore: the web storage that Cortana's package kept.
 #include "ese/domstore.h"
+#include "extractors/steps.h"
 #include "extractors/webcache_paths.h"
 #include "extractors/webcache_procedure.h"
-#include "plugin/cortana_winos.h"
 
 namespace {
 
@@ -29,6 +29,6 @@ const webcache_step step{
 
 } // namespace
 
-void cortana_winos::extract_domstore() {
-    run_webcache_step<domstore>(context_for_step(), step, webcache_reader, webcache_file_list);
+void fill_domstore(const step_context& context, std::unique_ptr<specific_table>& reader, const QStringList& files) {
+    run_webcache_step<domstore>(context, step, reader, files);
 }

@@ -3,7 +3,7 @@
 #include "extractors/graph_text.h"
 #include "extractors/row_values.h"
 #include "extractors/step_run.h"
-#include "plugin/cortana_winos.h"
+#include "extractors/steps.h"
 #include "source/directory_walk.h"
 #include "source/quiet_open.h"
 #include "source/source_guard.h"
@@ -106,30 +106,14 @@ bool read_folder(const QString& folder, step_run& run, source_guard& guard) {
 
 } // namespace
 
-void cortana_winos::extract_graph_search_files() {
-    run_step(context_for_step(), texts, [this](step_run& run) {
-        source_guard guard(fs_extraction_source_path);
-        for (const QString& folder : qAsConst(graph_dir_list)) {
+void fill_graphed_cache(const step_context& context, const QStringList& folders) {
+    run_step(context, texts, [&](step_run& run) {
+        source_guard guard(context.fs_extraction_source_path);
+        for (const QString& folder : folders) {
             if (!read_folder(folder, run, guard)) {
                 return false;
             }
         }
         return true;
     });
-}
-
-QString cortana_winos::extract_original_name(QByteArray content, qint64 start, qint64 end) {
-    return graph_original_name(content, start, end);
-}
-
-QString cortana_winos::extract_data_str(qint64 start, qint64 end, QByteArray content) {
-    return graph_quoted_value(content, start, end);
-}
-
-QString cortana_winos::extract_date(qint64 start, qint64 end, QByteArray content) {
-    return graph_date(content, start, end);
-}
-
-QString cortana_winos::graphed_timestamp_conversion(QString text) {
-    return graph_timestamp(text);
 }

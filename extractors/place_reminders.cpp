@@ -2,7 +2,7 @@
 // Result table place_reminders: the reminders that fire at a place.
 #include "ese/place_triggers.h"
 #include "extractors/reminder_procedure.h"
-#include "plugin/cortana_winos.h"
+#include "extractors/steps.h"
 
 namespace {
 
@@ -49,6 +49,7 @@ const reminder_step<trigger> step{
 
 } // namespace
 
-void cortana_winos::extract_place_reminders() {
-    run_reminder_step(context_for_step(), step, place_reader, cortana_core_db_file_list);
+void fill_place_reminders(const step_context& context, std::unique_ptr<place_triggers>& reader,
+                          const QStringList& files) {
+    run_reminder_step(context, step, reader, files);
 }

@@ -2,7 +2,7 @@
 // Result table searches, second half: search addresses filed as file extensions.
 #include "extractors/search_procedure.h"
 #include "extractors/search_text.h"
-#include "plugin/cortana_winos.h"
+#include "extractors/steps.h"
 #include "registry/search_from_com.h"
 
 namespace {
@@ -25,14 +25,7 @@ const search_step step{
 
 } // namespace
 
-void cortana_winos::extract_search_from_com_registry() {
-    run_search_step(context_for_step(), step, com_walker, ntuser_file_list);
-}
-
-QString cortana_winos::get_searched_text_for_com(QByteArray key_name) {
-    return search_text_in_name(key_name);
-}
-
-QString cortana_winos::get_time(QByteArray key_name) {
-    return search_time_in_name(key_name);
+void fill_searches_from_com(const step_context& context, std::unique_ptr<search_from_com>& walker,
+                            const QStringList& hives) {
+    run_search_step(context, step, walker, hives);
 }

@@ -2,7 +2,7 @@
 // Result table searches, first half: what the recent-documents key keeps of searches.
 #include "extractors/search_procedure.h"
 #include "extractors/search_text.h"
-#include "plugin/cortana_winos.h"
+#include "extractors/steps.h"
 #include "registry/text_search_registry.h"
 
 namespace {
@@ -25,14 +25,7 @@ const search_step step{
 
 } // namespace
 
-void cortana_winos::extract_search_from_recents() {
-    run_search_step(context_for_step(), step, recents_walker, ntuser_file_list);
-}
-
-QString cortana_winos::get_search_text(QByteArray value_data) {
-    return search_text_in_value(value_data);
-}
-
-QString cortana_winos::get_search_time(QByteArray value_data) {
-    return search_time_in_value(value_data);
+void fill_searches_from_recents(const step_context& context, std::unique_ptr<text_search_registry>& walker,
+                                const QStringList& hives) {
+    run_search_step(context, step, walker, hives);
 }

@@ -2,7 +2,7 @@
 // Result table time_reminders: the reminders that fire at a time.
 #include "ese/timetriggers.h"
 #include "extractors/reminder_procedure.h"
-#include "plugin/cortana_winos.h"
+#include "extractors/steps.h"
 
 namespace {
 
@@ -44,10 +44,6 @@ const reminder_step<trigger> step{
 
 } // namespace
 
-void cortana_winos::extract_timetriggers() {
-    run_reminder_step(context_for_step(), step, time_reader, cortana_core_db_file_list);
-}
-
-qint64 cortana_winos::timestamp_format_converter(QString text) {
-    return iso_text_to_unix_seconds(text);
+void fill_time_reminders(const step_context& context, std::unique_ptr<timetriggers>& reader, const QStringList& files) {
+    run_reminder_step(context, step, reader, files);
 }

@@ -3,9 +3,9 @@
 // process of its own through the plugin's readers, and prints what became of them. The seeds are fixed.
 #include "ese/cache.h"
 #include "ese/timetriggers.h"
-#include "samples/sample_source.h"
 #include "registry/search_from_com.h"
 #include "registry/text_search_registry.h"
+#include "samples/sample_source.h"
 
 #include <QFile>
 #include <QTemporaryDir>

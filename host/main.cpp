@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The command-line host: drives the plugin library as the suite would, from a terminal or a script.
-#include "host/cancellation.h"
+#include "host/commands/extract_command.h"
+#include "host/commands/log_command.h"
+#include "host/commands/options.h"
 #include "host/console.h"
 #include "host/environment.h"
 #include "host/exit_codes.h"
-#include "host/extract_command.h"
-#include "host/log_command.h"
-#include "host/options.h"
-#include "host/versions.h"
+#include "host/record/versions.h"
+#include "host/run/cancellation.h"
 
 #include <QApplication>
 #include <QFile>

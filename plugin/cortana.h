@@ -4,7 +4,7 @@
 // owns it; the fronts and the helper object are its Qt children.
 #pragma once
 
-#include "plugin/host_interface.h"
+#include "contract/host_interface.h"
 
 class cortana_ios_uid;
 class cortana_macos;
@@ -48,7 +48,7 @@ public Q_SLOTS:
     void slot_total_tabs_processed(int tab_count);
 
 private:
-    // The result database (result_db/result_db.cpp).
+    // The result folder and database (plugin/cortana_result.cpp).
     void set_destination_location(QString result_dir);
     void create_destination_database();
     void create_db_tables();

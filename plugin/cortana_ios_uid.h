@@ -2,8 +2,8 @@
 // The front for iOS sources. Cortana leaves nothing there that this plugin reads.
 #pragma once
 
+#include "contract/host_records.h"
 #include "plugin/empty_front.h"
-#include "plugin/host_records.h"
 
 class ios_uid_backup_parser;
 

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
-// State and setters of the Windows front. What it does lives elsewhere: discovery in source/, the driver beside this
-// file, the extractors in extractors/.
+// State, setters and discovery of the Windows front. The driver and the steps' members stand beside this file.
 #include "plugin/cortana_winos.h"
 
+#include "common/plugin_static_function.h"
+#include "common/text_decoding.h"
+#include "contract/log_marks.h"
 #include "ese/contact_triggers.h"
 #include "ese/place_triggers.h"
 #include "ese/timetriggers.h"
 #include "registry/search_from_com.h"
 #include "registry/text_search_registry.h"
+#include "source/discovery.h"
 
 cortana_winos::cortana_winos(QWidget* parent) : QWidget(parent), progress_timer(std::make_unique<QElapsedTimer>()) {}
 
@@ -33,6 +36,18 @@ void cortana_winos::winos_set_desktop_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIF
 
 void cortana_winos::winos_set_general_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info) {}
 
+void cortana_winos::winos_set_source_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source_info) {
+    fs_extraction_source_path = source_info.fs_extraction_source_path;
+    source_path_2 = source_info.source_path_2;
+    os_scheme_display = never_null(source_info.os_scheme_display); // written into rows
+    user_name_list.clear();
+    for (const auto& account : qAsConst(source_info.system_account_QList)) {
+        user_name_list << account.system_user << account.domain_user;
+    }
+    user_name_list.removeDuplicates();
+    user_name_list.removeAll(QString());
+}
+
 void cortana_winos::winos_set_essential_for_vantor_desk_extraction(QStringList tables) {
     selected_tables = tables;
 }
@@ -47,6 +62,44 @@ void cortana_winos::winos_cancel_extraction() {
     bool_cancel_extraction = true;
 }
 
+void cortana_winos::winos_find_artifacts_source() {
+    find_source_file();
+}
+
+void cortana_winos::find_source_file() {
+    const QString function = QStringLiteral("void cortana_winos::find_source_file()");
+    plugin_static_function::app_debug(QStringLiteral("[find_source_file]---STARTS---"), function);
+    for (QStringList* list : {&indexed_db_file_list, &cortana_core_db_file_list, &webcache_file_list, &speech_dir_list,
+                              &graph_dir_list, &ntuser_file_list}) {
+        list->clear();
+    }
+    const auto add = [&](source_list list, const QString& path) {
+        plugin_static_function::app_debug(QLatin1String(log_mark::found_source) + path, function);
+        found_list(list).append(path);
+    };
+    if (find_sources(fs_extraction_source_path, user_name_list, bool_cancel_extraction, add)) {
+        plugin_static_function::app_debug(QStringLiteral("[find_source_file]---ENDS---"), function);
+    }
+}
+
+QStringList& cortana_winos::found_list(source_list list) {
+    switch (list) {
+    case source_list::webcache:
+        return webcache_file_list;
+    case source_list::ntuser:
+        return ntuser_file_list;
+    case source_list::indexed_db:
+        return indexed_db_file_list;
+    case source_list::cortana_core_db:
+        return cortana_core_db_file_list;
+    case source_list::speech:
+        return speech_dir_list;
+    case source_list::graph:
+        break;
+    }
+    return graph_dir_list;
+}
+
 void cortana_winos::winos_set_plugin_helper_obj(plugin_helper_functions* helper) {
     plugin_helper_obj = helper;
 }
@@ -57,10 +110,4 @@ void cortana_winos::winos_set_record_count(qint64 count) {
 
 void cortana_winos::winos_set_tab_processed_count(int count) {
     tab_count_int = count;
-}
-
-step_context cortana_winos::context_for_step() {
-    return {fs_extraction_source_path, os_scheme_display,
-            destination_db_path,       location_kind,
-            bool_cancel_extraction,    [this] { count_inserted_record(); }};
 }

@@ -3,8 +3,9 @@
 // table at a time. Driven by the cortana object only, on the host's thread.
 #pragma once
 
+#include "contract/host_records.h"
 #include "extractors/step_run.h"
-#include "plugin/host_records.h"
+#include "source/places.h"
 
 #include <QElapsedTimer>
 #include <QStringList>
@@ -16,7 +17,6 @@ class contact_triggers;
 class place_triggers;
 class plugin_helper_functions;
 class search_from_com;
-class source_guard;
 class specific_table;
 class text_search_registry;
 class timetriggers;
@@ -44,7 +44,7 @@ public:
     void winos_set_record_count(qint64 count);
     void winos_set_tab_processed_count(int count);
 
-    // Discovery (source/source_discovery.cpp): fills the six lists below from the user profiles of the source.
+    // Discovery: fills the six lists below from the user profiles of the source.
     void find_source_file();
     const QStringList& found_webcache_files() const { return webcache_file_list; }
     const QStringList& found_ntuser_files() const { return ntuser_file_list; }
@@ -56,7 +56,7 @@ public:
     // Driver (plugin/cortana_winos_driver.cpp).
     void extract_plugin_artifacts();
 
-    // The extractors, one file each in extractors/.
+    // The steps; each is one file in extractors/ and a line in cortana_winos_steps.cpp.
     void extract_timetriggers();
     void extract_place_reminders();
     void extract_contact_triggers();
@@ -86,8 +86,7 @@ Q_SIGNALS:
     void signal_total_tabs_processed_winos(int count);
 
 private:
-    // The places in the profile's Cortana package folders; false when cancelled.
-    bool find_in_packages(const QString& packages, source_guard& guard);
+    QStringList& found_list(source_list list);
     step_context context_for_step();
     void count_inserted_record();
 

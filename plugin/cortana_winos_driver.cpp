@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The extraction driver: one step a result table, in a fixed order, for the tables that the host selected.
 #include "common/plugin_static_function.h"
+#include "contract/table_names.h"
 #include "plugin/cortana_winos.h"
 
 namespace {
@@ -11,15 +12,15 @@ struct extraction_step {
 };
 
 constexpr extraction_step steps[] = {
-    {"time_reminders", &cortana_winos::extract_timetriggers},
-    {"place_reminders", &cortana_winos::extract_place_reminders},
-    {"contact_triggers", &cortana_winos::extract_contact_triggers},
-    {"latest_audio_search", &cortana_winos::extract_audio_search_files},
-    {"graphed_cache", &cortana_winos::extract_graph_search_files},
-    {"cache_files", &cortana_winos::extract_cache_files},
-    {"cookies", &cortana_winos::extract_cookies},
-    {"domstore", &cortana_winos::extract_domstore},
-    {"searches", &cortana_winos::extract_searches},
+    {table_name::time_reminders, &cortana_winos::extract_timetriggers},
+    {table_name::place_reminders, &cortana_winos::extract_place_reminders},
+    {table_name::contact_triggers, &cortana_winos::extract_contact_triggers},
+    {table_name::latest_audio_search, &cortana_winos::extract_audio_search_files},
+    {table_name::graphed_cache, &cortana_winos::extract_graph_search_files},
+    {table_name::cache_files, &cortana_winos::extract_cache_files},
+    {table_name::cookies, &cortana_winos::extract_cookies},
+    {table_name::domstore, &cortana_winos::extract_domstore},
+    {table_name::searches, &cortana_winos::extract_searches},
 };
 
 constexpr unsigned highest_engine_type = 2;

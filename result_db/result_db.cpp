@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The life of the result database: where it lies, how its tables come into being, how they are emptied. Members of the
-// plugin object.
+// Every opening has a named connection of its own.
+#include "result_db/result_db.h"
+
 #include "common/named_connection.h"
-#include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
-#include "plugin/cortana.h"
-#include "plugin/cortana_ios_uid.h"
-#include "plugin/cortana_macos.h"
-#include "plugin/cortana_winos.h"
+#include "contract/log_marks.h"
 #include "result_db/schema.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -29,7 +25,7 @@ bool create_all_tables(QSqlDatabase& database) {
         const bool done = plugin_static_function::execute_db_command_by_dbreference(
             QLatin1String(table.create_statement), database, create_tables_text);
         if (!done) {
-            log_creation(QStringLiteral(" table creation -----FAILED---- ") + QLatin1String(table.name));
+            log_creation(QLatin1String(log_mark::table_creation_failed) + QLatin1String(table.name));
         }
     }
     if (!database.commit()) {
@@ -54,53 +50,27 @@ bool create_tables_in(const QString& database_path) {
 
 } // namespace
 
-void cortana::set_destination_location(QString result_dir) {
-    const QString function = QStringLiteral("void cortana::set_destination_location(QString)");
-    plugin_static_function::app_debug(QStringLiteral("[set_destination_location] starts"), function);
-    if (!result_dir.endsWith(QLatin1Char('/'))) {
-        result_dir += QLatin1Char('/');
-    }
-    const QString name = pub_get_artifact_name().replace(QLatin1Char(' '), QLatin1Char('_'));
-    plugin_result_dir_path = result_dir + QStringLiteral("Artifacts_Result/") + name + QLatin1Char('/');
-    QDir().mkpath(plugin_result_dir_path);
-    plugin_tmp_dir_path = plugin_result_dir_path + QStringLiteral("tmp/");
-    QDir().mkpath(plugin_tmp_dir_path);
-    plugin_helper_obj->set_adhoc_parent_path(plugin_tmp_dir_path);
-    destination_db_path = plugin_result_dir_path + name + QStringLiteral(".sqlite");
-    macos_front->macos_set_destination_location(plugin_result_dir_path, plugin_tmp_dir_path, destination_db_path);
-    ios_front->ios_uid_set_destination_location(plugin_result_dir_path, plugin_tmp_dir_path, destination_db_path);
-    winos_front->winos_set_destination_location(plugin_result_dir_path, plugin_tmp_dir_path, destination_db_path);
-    plugin_static_function::app_debug(QStringLiteral("[set_destination_location] ends"), function);
-}
-
-void cortana::create_destination_database() {
-    const QString function = QStringLiteral("void cortana::create_destination_database()");
-    plugin_static_function::app_debug(QStringLiteral("[create_destination_database] starts"), function);
-    create_db_tables();
-    plugin_static_function::app_debug(QStringLiteral("[create_destination_database] ends"), function);
-}
-
-void cortana::create_db_tables() {
+void create_result_tables(const QString& database_path) {
     log_creation(QStringLiteral("[create_db_tables] -starts-"));
-    const bool created = create_tables_in(destination_db_path);
+    const bool created = create_tables_in(database_path);
     QSqlDatabase::removeDatabase(create_tables_text);
     if (created) {
         log_creation(QStringLiteral("[create_db_tables] -ends-"));
     }
 }
 
-void cortana::clear_db_tables() {
+void clear_result_tables(const QString& database_path, const QStringList& tables, int engine_type) {
     const QString function = QStringLiteral("void cortana::clear_db_tables()");
-    if (!QFileInfo::exists(destination_db_path)) {
+    if (!QFileInfo::exists(database_path)) {
         plugin_static_function::app_debug(QStringLiteral("[clear_db_tables]DB not exists and so returning..."),
                                           function);
         return;
     }
-    if (static_cast<unsigned>(type_engine_int) > 2) {
+    if (static_cast<unsigned>(engine_type) > 2) {
         return;
     }
-    for (const QString& table : qAsConst(selected_tables)) {
+    for (const QString& table : tables) {
         plugin_static_function::execute_db_command_by_dbpath(
-            QStringLiteral("delete from '") + table + QLatin1Char('\''), destination_db_path, function);
+            QStringLiteral("delete from '") + table + QLatin1Char('\''), database_path, function);
     }
 }

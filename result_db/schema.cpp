@@ -3,18 +3,20 @@
 // part of the schema; hosts compare and index the columns as they stand.
 #include "result_db/schema.h"
 
+#include "contract/table_names.h"
+
 namespace {
 
 // clang-format off
 constexpr result_table tables[] = {
-    {"time_reminders",
+    {table_name::time_reminders,
      "create table IF NOT EXISTS time_reminders(bookmark integer,INT INTEGER PRIMARY KEY,"
      "system_user varchar(100),domain_user VARCHAR(100),title varchar(1024),text varchar(1024),"
      "creation_time INTEGER,last_update_time INTEGER,last_access_time INTEGER,completion_time INTEGER,"
      "date_time INTEGER,last_trigger_time INTEGER,vantor_tag_value varchar(100),notes_icon VARCHAR(1024),"
      "tags_icon VARCHAR(1024),os_scheme_display VARCHAR(100),source_count_name VARCHAR(500),"
      "source_file varchar(500),artifacts_relation_source_file varchar(500),notes varchar(500))"},
-    {"place_reminders",
+    {table_name::place_reminders,
      "create table IF NOT EXISTS place_reminders(bookmark integer,INT INTEGER PRIMARY KEY,"
      "system_user varchar(100),domain_user VARCHAR(100),place varchar(1024),title varchar(1024),"
      "text varchar(1024),latitude varchar(1024),longitude varchar(1024),map_url varchar(1024),"
@@ -23,14 +25,14 @@ constexpr result_table tables[] = {
      "notes_icon VARCHAR(1024),tags_icon VARCHAR(1024),os_scheme_display VARCHAR(100),"
      "source_count_name VARCHAR(500),source_file varchar(500),artifacts_relation_source_file varchar(500),"
      "notes varchar(500))"},
-    {"contact_triggers",
+    {table_name::contact_triggers,
      "create table IF NOT EXISTS contact_triggers(bookmark integer,INT INTEGER PRIMARY KEY,"
      "system_user varchar(100),domain_user VARCHAR(100),contact_name varchar(1024),title varchar(1024),"
      "text varchar(1024),creation_time INTEGER,last_update_time INTEGER,last_access_time INTEGER,"
      "completion_time INTEGER,vantor_tag_value varchar(100),notes_icon VARCHAR(1024),"
      "tags_icon VARCHAR(1024),os_scheme_display VARCHAR(100),source_count_name VARCHAR(500),"
      "source_file varchar(500),artifacts_relation_source_file varchar(500),notes varchar(500))"},
-    {"latest_audio_search",
+    {table_name::latest_audio_search,
      "create table IF NOT EXISTS latest_audio_search(bookmark integer,INT INTEGER PRIMARY KEY,"
      "system_user varchar(100),domain_user VARCHAR(100),file_name varchar(1024),file_size INTEGER,"
      "file_path varchar(1024),windows_path varchar(1024),creation_time INTEGER,modification_time INTEGER,"
@@ -41,7 +43,7 @@ constexpr result_table tables[] = {
      "notes_icon VARCHAR(1024),tags_icon VARCHAR(1024),os_scheme_display VARCHAR(100),"
      "source_count_name VARCHAR(500),source_file varchar(500),artifacts_relation_source_file varchar(500),"
      "notes varchar(500))"},
-    {"graphed_cache",
+    {table_name::graphed_cache,
      "CREATE TABLE IF NOT EXISTS graphed_cache(bookmark integer,INT INTEGER PRIMARY KEY,"
      "system_user varchar(100),domain_user VARCHAR(100),entity_id VARCHAR(1024),search_id VARCHAR(1024),"
      "search_content VARCHAR(1024),longitude VARCHAR(1024),latitude VARCHAR(1024),map_url VARCHAR(1024),"
@@ -49,7 +51,7 @@ constexpr result_table tables[] = {
      "last_accessed_timestamp INTEGER,vantor_tag_value varchar(100),notes_icon VARCHAR(1024),"
      "tags_icon VARCHAR(1024),os_scheme_display VARCHAR(100),source_count_name VARCHAR(500),"
      "source_file varchar(500),artifacts_relation_source_file varchar(500),notes varchar(500))"},
-    {"cache_files",
+    {table_name::cache_files,
      "CREATE TABLE IF NOT EXISTS cache_files(bookmark integer,INT INTEGER PRIMARY KEY,"
      "system_user varchar(100),domain_user VARCHAR(100),file_name varchar(2048),file_size INTEGER,"
      "file_path varchar(1024),file_exists varchar(100),windows_path varchar(1024),url varchar(1024),"
@@ -61,7 +63,7 @@ constexpr result_table tables[] = {
      "vantor_tag_value varchar(100),notes_icon VARCHAR(1024),tags_icon VARCHAR(1024),"
      "os_scheme_display VARCHAR(100),source_count_name VARCHAR(500),source_file varchar(500),"
      "artifacts_relation_source_file varchar(500),notes varchar(500))"},
-    {"cookies",
+    {table_name::cookies,
      "CREATE TABLE IF NOT EXISTS cookies(bookmark integer,INT INTEGER PRIMARY KEY,"
      "system_user varchar(100),domain_user VARCHAR(100),file_name varchar(2048),file_size INTEGER,"
      "file_path varchar(1024),file_exists varchar(100),windows_path varchar(1024),url varchar(1024),"
@@ -73,7 +75,7 @@ constexpr result_table tables[] = {
      "vantor_tag_value varchar(100),notes_icon VARCHAR(1024),tags_icon VARCHAR(1024),"
      "os_scheme_display VARCHAR(100),source_count_name VARCHAR(500),source_file varchar(500),"
      "artifacts_relation_source_file varchar(500),notes varchar(500))"},
-    {"domstore",
+    {table_name::domstore,
      "CREATE TABLE IF NOT EXISTS domstore(bookmark integer,INT INTEGER PRIMARY KEY,"
      "system_user varchar(100),domain_user VARCHAR(100),file_name varchar(2048),file_size INTEGER,"
      "file_path varchar(1024),file_exists varchar(100),windows_path varchar(1024),url varchar(1024),"
@@ -85,7 +87,7 @@ constexpr result_table tables[] = {
      "vantor_tag_value varchar(100),notes_icon VARCHAR(1024),tags_icon VARCHAR(1024),"
      "os_scheme_display VARCHAR(100),source_count_name VARCHAR(500),source_file varchar(500),"
      "artifacts_relation_source_file varchar(500),notes varchar(500))"},
-    {"searches",
+    {table_name::searches,
      "create table IF NOT EXISTS searches(bookmark integer,INT INTEGER PRIMARY KEY,"
      "system_user varchar(100),domain_user VARCHAR(100),search_keyword varchar(1024),"
      "search_timestamp INTEGER,vantor_tag_value varchar(100),notes_icon VARCHAR(1024),"

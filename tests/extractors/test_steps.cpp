@@ -3,13 +3,13 @@
 // rows that cannot be committed.
 #include "ese/cookies.h"
 #include "ese/timetriggers.h"
-#include "samples/ese_damage.h"
-#include "samples/hive_writer.h"
-#include "samples/sample_source.h"
 #include "extractors/reminder_procedure.h"
 #include "extractors/search_procedure.h"
 #include "extractors/webcache_procedure.h"
 #include "registry/search_from_com.h"
+#include "samples/ese_damage.h"
+#include "samples/hive_writer.h"
+#include "samples/sample_source.h"
 #include "tests/support/test_support.h"
 
 #include <QDir>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Reading debug logs: plain, enciphered, mixed and damaged ones, and what the host counts in them.
 #include "common/encryptor_string.h"
-#include "host/log_findings.h"
-#include "host/log_reader.h"
+#include "host/record/log_findings.h"
+#include "host/record/log_reader.h"
 #include "host_case.h"
 
 #include <QBuffer>

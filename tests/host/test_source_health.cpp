@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The look over the evidence: every kind of damage to the way, the databases, the hive and the trees is told, and
 // sound evidence is not.
+#include "host/health/source_health.h"
+#include "contract/table_names.h"
+#include "host_case.h"
 #include "samples/ese_writer.h"
 #include "samples/sample_source.h"
-#include "host/native_files.h"
-#include "host/source_health.h"
-#include "host/table_names.h"
-#include "host_case.h"
+#include "source/native_names.h"
 
 #include <QtTest>
 
@@ -148,7 +148,7 @@ private Q_SLOTS:
         QCOMPARE(report.problem_count, problem.isEmpty() ? 0 : 1);
         QCOMPARE(report.note_count, note.isEmpty() ? 0 : 1);
         const QString told = texts(report.problems + report.notes).join(QString());
-        QVERIFY2(told.isEmpty() || told.startsWith("/anna"_q + text_of(path) + ": "_q), qPrintable(told));
+        QVERIFY2(told.isEmpty() || told.startsWith("/anna"_q + shown_path(path) + ": "_q), qPrintable(told));
         QVERIFY2(told.contains(problem) && told.contains(note), qPrintable(told));
     }
 

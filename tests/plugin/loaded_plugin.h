@@ -2,7 +2,7 @@
 // The built library, loaded as a host loads it: one symbol, calls through the virtual table, signals by text.
 #pragma once
 
-#include "plugin/host_interface.h"
+#include "contract/host_interface.h"
 #include "result_db/schema.h"
 #include "tests/support/file_content.h"
 #include "tests/support/test_text.h"

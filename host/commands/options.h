@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// The command line, read into plain values. Nothing is printed and nothing is looked up on disk here.
+#pragma once
+
+#include "host/commands/rows_command.h"
+#include "host/run/extract_options.h"
+
+#include <QString>
+#include <QStringList>
+
+enum class command { extract, log, rows, version, help, refused };
+
+struct command_line {
+    command what = command::refused;
+    extract_options extract;
+    QString log_file; // of the command log
+    rows_options rows;
+    QString text; // the help text, or why the command line is refused
+};
+
+// arguments: the program's name first, as QCoreApplication has them.
+command_line read_command_line(const QStringList& arguments);

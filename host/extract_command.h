@@ -1,8 +1,0 @@
-// SPDX-License-Identifier: MIT
-// The command "extract": checks, runs the plugin once for each profile (or once for all), and tells what came of it.
-#pragma once
-
-#include "host/options.h"
-
-// Returns the exit code. Nothing is written before the source and the result folder have been found in order.
-int run_extract_command(const extract_options& options);

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// dlopen(3) with local symbols, so that the plugin's own and the host's do not mix.
+#include "host/run/plugin_library.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+
+#include <dlfcn.h>
+
+namespace {
+
+QString library_beside_program() {
+    const QString folder = QCoreApplication::applicationDirPath();
+    const QString beside = folder + QStringLiteral("/libcortana.so");
+    return QFileInfo::exists(beside) ? beside : folder + QStringLiteral("/../lib/cortana/libcortana.so");
+}
+
+} // namespace
+
+plugin_library load_plugin_library(const QString& file) {
+    plugin_library library;
+    // A name without "/" would be looked for in the system's library folders.
+    const QString path = file.isEmpty() ? library_beside_program() : QFileInfo(file).absoluteFilePath();
+    void* const opened = ::dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);
+    void* const symbol = opened != nullptr ? ::dlsym(opened, create_object_symbol) : nullptr;
+    if (symbol == nullptr) {
+        const char* const reason = ::dlerror();
+        library.reason = QString::fromLocal8Bit(reason != nullptr ? reason : "it has no entry");
+        return library;
+    }
+    library.create = reinterpret_cast<create_object_function>(symbol);
+    return library;
+}

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+// Loads the plugin library through its one symbol. It stays loaded: Qt keeps pointers into it.
+#pragma once
+
+#include "contract/host_interface.h"
+
+#include <QString>
+
+struct plugin_library {
+    create_object_function create = nullptr; // null: it cannot be loaded
+    QString reason;                          // why
+};
+
+// file: empty for libcortana.so beside the program, then ../lib/cortana/libcortana.so from there.
+plugin_library load_plugin_library(const QString& file);

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+// Tables go down, profiles across, a few columns at a time.
+#include "host/run/summary.h"
+
+#include "host/console.h"
+#include "host/exit_codes.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int widest_name = 20;
+constexpr int columns_at_once = 4;
+const QString all_name = QStringLiteral("all");
+
+// The chosen profiles, then other users that rows were written for (a folder found under an account's domain name).
+QStringList users_of(const run_summary& summary) {
+    QStringList users = summary.profiles;
+    for (const auto& rows : summary.rows) {
+        for (const QString& user : rows.keys()) {
+            users.append(user);
+        }
+    }
+    users.removeDuplicates();
+    return users;
+}
+
+qint64 rows_of(const run_summary& summary, const QString& table, const QStringList& users) {
+    const auto rows = summary.rows.value(table);
+    qint64 sum = 0;
+    for (const QString& user : users) {
+        sum += rows.value(user);
+    }
+    return sum;
+}
+
+// A column of the table: its heading and the users that it adds up.
+struct column {
+    QString heading;
+    QStringList users;
+};
+
+QVector<column> columns_of(const run_summary& summary) {
+    const QStringList users = users_of(summary);
+    QVector<column> columns;
+    for (const QString& user : users) {
+        const QString shown = printable(user);
+        columns.append(
+            {shown.size() > widest_name ? shown.left(widest_name - 3) + QStringLiteral("...") : shown, {user}});
+    }
+    if (users.size() > 1) {
+        columns.append({all_name, users});
+    }
+    return columns;
+}
+
+QString row_text(const QString& name, const QVector<column>& columns, const QStringList& cells) {
+    QString text = name.leftJustified(widest_name);
+    for (int i = 0; i < columns.size(); ++i) {
+        text += QStringLiteral("  ") + cells[i].rightJustified(std::max(columns[i].heading.size(), 8));
+    }
+    return text + QLatin1Char('\n');
+}
+
+QString table_part(const run_summary& summary, const QVector<column>& columns) {
+    QStringList headings;
+    QStringList sums;
+    for (const column& one : columns) {
+        qint64 sum = 0;
+        for (const QString& table : summary.tables) {
+            sum += rows_of(summary, table, one.users);
+        }
+        headings.append(one.heading);
+        sums.append(QString::number(sum));
+    }
+    QString text = row_text(QStringLiteral("rows added"), columns, headings);
+    for (const QString& table : summary.tables) {
+        QStringList cells;
+        for (const column& one : columns) {
+            cells.append(QString::number(rows_of(summary, table, one.users)));
+        }
+        text += row_text(table, columns, cells);
+    }
+    return text + row_text(all_name, columns, sums) + QLatin1Char('\n');
+}
+
+QString counted(qint64 count, const char* one, const char* many) {
+    return QStringLiteral("%1 %2").arg(count).arg(QLatin1String(count == 1 ? one : many));
+}
+
+QJsonArray json_findings(const QVector<finding>& findings) {
+    QJsonArray list;
+    for (const finding& one : findings) {
+        list.append(QJsonObject{{QStringLiteral("path"), one.path}, {QStringLiteral("reason"), one.reason}});
+    }
+    return list;
+}
+
+QJsonArray json_rows(const run_summary& summary) {
+    QJsonArray list;
+    const QStringList users = users_of(summary);
+    for (const QString& table : summary.tables) {
+        for (const QString& user : users) {
+            list.append(QJsonObject{{QStringLiteral("table"), table},
+                                    {QStringLiteral("system_user"), user},
+                                    {QStringLiteral("rows"), rows_of(summary, table, {user})}});
+        }
+    }
+    return list;
+}
+
+QString outcome_name(int code) {
+    switch (code) {
+    case exit_complete:
+        return QStringLiteral("complete");
+    case exit_failures:
+        return QStringLiteral("finished with failures");
+    case exit_nothing_found:
+        return QStringLiteral("nothing found");
+    case exit_output:
+        return QStringLiteral("output cannot be written");
+    default:
+        return QStringLiteral("cancelled");
+    }
+}
+
+} // namespace
+
+qint64 run_summary::row_count() const {
+    qint64 sum = 0;
+    for (const auto& table : rows) {
+        for (const qint64 count : table) {
+            sum += count;
+        }
+    }
+    return sum;
+}
+
+int exit_code_of(const run_summary& summary) {
+    if (!summary.output_troubles.isEmpty()) {
+        return exit_output;
+    }
+    if (summary.signal != 0) {
+        return 128 + summary.signal;
+    }
+    if (summary.log.failures > 0 || summary.health.problem_count > 0) {
+        return exit_failures;
+    }
+    return summary.log.found_sources.isEmpty() ? exit_nothing_found : exit_complete;
+}
+
+QString summary_table(const run_summary& summary) {
+    const QVector<column> columns = columns_of(summary);
+    QString text;
+    for (int first = 0; first < columns.size(); first += columns_at_once) {
+        text += table_part(summary, columns.mid(first, columns_at_once));
+    }
+    text += QStringLiteral("%1 in %2 s: %3\n")
+                .arg(counted(summary.row_count(), "row", "rows"))
+                .arg(static_cast<double>(summary.milliseconds) / 1000, 0, 'f', 1)
+                .arg(outcome_name(exit_code_of(summary)));
+    text += QStringLiteral("result database  %1\n").arg(printable(summary.output.database));
+    text += QStringLiteral("debug log        %1 (%2)\n")
+                .arg(printable(summary.output.log), counted(summary.log.failures, "failure", "failures"));
+    if (summary.health.problem_count > 0) {
+        text += QStringLiteral("could not read   %1\n").arg(counted(summary.health.problem_count, "path", "paths"));
+    }
+    return text;
+}
+
+QByteArray summary_json(const run_summary& summary) {
+    const int code = exit_code_of(summary);
+    const QJsonObject document{
+        {QStringLiteral("version"), QLatin1String(CORTANA_VERSION)},
+        {QStringLiteral("outcome"), outcome_name(code)},
+        {QStringLiteral("exit_code"), code},
+        {QStringLiteral("source"), summary.source},
+        {QStringLiteral("database"), summary.output.database},
+        {QStringLiteral("debug_log"), summary.output.log},
+        {QStringLiteral("seconds"), static_cast<double>(summary.milliseconds) / 1000},
+        {QStringLiteral("runs"),
+         summary.all_profiles ? QStringLiteral("all profiles at once") : QStringLiteral("one for each profile")},
+        {QStringLiteral("profiles"), QJsonArray::fromStringList(summary.profiles)},
+        {QStringLiteral("not_examined"), QJsonArray::fromStringList(summary.not_examined)},
+        {QStringLiteral("tables"), QJsonArray::fromStringList(summary.tables)},
+        {QStringLiteral("rows_added"), summary.row_count()},
+        {QStringLiteral("rows"), json_rows(summary)},
+        {QStringLiteral("sources_found"), QJsonArray::fromStringList(summary.log.found_sources)},
+        {QStringLiteral("failures"), summary.log.failures},
+        {QStringLiteral("first_failures"), QJsonArray::fromStringList(summary.log.first_failures)},
+        {QStringLiteral("could_not_read"), summary.health.problem_count},
+        {QStringLiteral("problems"), json_findings(summary.health.problems)},
+        {QStringLiteral("note_count"), summary.health.note_count},
+        {QStringLiteral("notes"), json_findings(summary.health.notes)},
+        {QStringLiteral("output_troubles"), QJsonArray::fromStringList(summary.output_troubles)},
+    };
+    return QJsonDocument(document).toJson(QJsonDocument::Indented);
+}

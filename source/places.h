@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Where evidence lies, of what kind it is, and which result tables come from it: the one list of it. Discovery looks
+// there, health checks and staging go by it.
+#pragma once
+
+// What a place holds.
+enum class evidence_kind { ese_database, registry_hive, folder_tree };
+
+// The lists that discovery fills, one for each kind of source.
+enum class source_list { webcache, ntuser, indexed_db, cortana_core_db, speech, graph };
+
+// A file or folder below a profile or below a Cortana package folder.
+struct evidence_place {
+    source_list list;
+    const char* below; // begins with "/"; a folder's ends with "/"
+    evidence_kind kind;
+    const char* tables; // that rows of it go to, separated by blanks; empty: none
+};
+
+namespace places {
+
+// Profiles lie in this folder of the source root.
+inline constexpr const char* users_folder = "Users/";
+// The packages of a profile; a package is Cortana's when its folder's name holds the mark, in this upper and lower
+// case and with any suffix.
+inline constexpr const char* packages_folder = "/AppData/Local/Packages/";
+inline constexpr const char* package_mark = "Microsoft.Windows.Cortana";
+
+inline constexpr evidence_place in_profile[] = {
+    {source_list::webcache, "/AppData/Local/Microsoft/Windows/WebCache/WebCacheV01.dat", evidence_kind::ese_database,
+     "cache_files cookies domstore"},
+    {source_list::ntuser, "/NTUSER.DAT", evidence_kind::registry_hive, "searches"},
+};
+
+inline constexpr evidence_place in_package[] = {
+    {source_list::indexed_db, "/AppData/Indexed DB/IndexedDB.edb", evidence_kind::ese_database, ""},
+    {source_list::cortana_core_db, "/LocalState/ESEDatabase_CortanaCoreInstance/CortanaCoreDb.dat",
+     evidence_kind::ese_database, "time_reminders place_reminders contact_triggers"},
+    {source_list::speech, "/LocalState/LocalRecorder/Speech/", evidence_kind::folder_tree, "latest_audio_search"},
+    {source_list::graph, "/LocalState/Graph/", evidence_kind::folder_tree, "graphed_cache"},
+};
+
+} // namespace places
