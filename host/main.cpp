@@ -8,10 +8,12 @@
 #include "host/exit_codes.h"
 #include "host/record/versions.h"
 #include "host/run/cancellation.h"
+#include "host/run/worker.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QFile>
 
+#include <cstring>
 #include <exception>
 
 namespace {
@@ -58,10 +60,13 @@ int main(int argc, char** argv) {
         prepare_environment();
         take_qt_messages(true); // Qt's remarks about a missing session are no concern of the user's
         hold_cancel_signals();
+        if (argc > 1 && std::strcmp(argv[1], worker_word) == 0) {
+            return run_worker(argc, argv);
+        }
         char program[] = "cortana";
         char* only_program[] = {argc > 0 ? argv[0] : program, nullptr};
         int one = 1;
-        const QApplication application(one, only_program);
+        const QCoreApplication application(one, only_program);
         settle_file_name_encoding();
         take_qt_messages(false);
         return run(read_command_line(argc > 0 ? words_of(argc, argv) : QStringList(QStringLiteral("cortana"))));

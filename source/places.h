@@ -40,4 +40,15 @@ inline constexpr evidence_place in_package[] = {
     {source_list::graph, "/LocalState/Graph/", evidence_kind::folder_tree, "graphed_cache"},
 };
 
+// Calls visit for each of them.
+template <class Visit>
+void for_each(const Visit& visit) {
+    for (const evidence_place& place : in_profile) {
+        visit(place);
+    }
+    for (const evidence_place& place : in_package) {
+        visit(place);
+    }
+}
+
 } // namespace places

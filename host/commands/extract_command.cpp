@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
-// The steps in their order: source, result folder, library, profiles, evidence, runs, debug log, summary.
+// The steps in their order: source, result folder, profiles, lock, workers, summary.
 #include "host/commands/extract_command.h"
 
 #include "host/console.h"
 #include "host/exit_codes.h"
 #include "host/health/source_health.h"
 #include "host/run/cancellation.h"
-#include "host/run/plugin_run.h"
-#include "host/run/summary.h"
+#include "host/run/plugin_library.h"
+#include "host/run/run_lock.h"
+#include "host/run/supervisor.h"
 #include "source/native_names.h"
 #include "source/real_location.h"
 
@@ -63,71 +64,32 @@ void say_findings(const health_report& health, bool quiet) {
     }
 }
 
-// The runs to make: one for each account, or one for all. Only the first one clears.
-QList<run_request> plan_runs(const extract_options& options, const QString& root,
-                             const QList<system_account>& accounts) {
-    if (options.all_profiles) {
-        return {{root, accounts, options.clear}};
+// The runs of the plugin: one for each account, or one for all.
+QList<QList<system_account>> group(const QList<system_account>& accounts, bool all_at_once) {
+    if (all_at_once) {
+        return {accounts};
     }
-    QList<run_request> runs;
+    QList<QList<system_account>> groups;
     for (const system_account& account : accounts) {
-        runs.append({root, {account}, options.clear && runs.isEmpty()});
+        groups.append(QList<system_account>{account});
     }
-    return runs;
+    return groups;
 }
 
-void add_outcome(const run_outcome& outcome, run_summary& summary) {
-    if (!outcome.trouble.isEmpty()) {
-        summary.output_troubles.append(
-            QStringLiteral("the result database %1 cannot be used: %2").arg(summary.output.database, outcome.trouble));
-    } else if (outcome.rows_told != outcome.rows_found) {
-        summary.output_troubles.append(QStringLiteral("rows were lost: the plugin wrote %1, the database %2 holds %3")
-                                           .arg(outcome.rows_told)
-                                           .arg(summary.output.database)
-                                           .arg(outcome.rows_found));
-    }
-}
-
-// Returns how many runs must have logged their end.
-int make_runs(const plugin_library& library, const extract_options& options, const QList<run_request>& runs,
-              run_summary& summary) {
-    const bool show_progress = !options.quiet && !options.log_terminal && ::isatty(STDERR_FILENO) == 1;
-    progress_line progress(options.tables, show_progress);
-    int made = 0;
-    for (const run_request& request : runs) {
-        if (is_cancelled() || !summary.output_troubles.isEmpty()) {
-            for (const system_account& account : request.accounts) {
-                summary.not_examined.append(account.system_user);
-            }
-            continue;
-        }
-        progress.begin_run(request.accounts.size() == 1 ? request.accounts.first().system_user
-                                                        : QStringLiteral("all profiles"));
-        const run_outcome outcome = run_plugin(library, options, summary.output, request, progress, summary.rows);
-        add_outcome(outcome, summary);
-        made += outcome.extracted && !is_cancelled() ? 1 : 0;
-    }
-    progress.clear();
-    return made;
-}
-
-void read_run_log(qint64 offset, int runs, run_summary& summary) {
-    if (summary.not_examined.size() == summary.profiles.size() && !QFile::exists(summary.output.log)) {
-        return; // cancelled before the first run
-    }
-    if (!read_log(summary.output.log, offset, summary.log)) {
-        summary.output_troubles.append(QStringLiteral("the debug log %1 cannot be read").arg(summary.output.log));
-    } else if (summary.log.ended_runs < runs) {
-        summary.output_troubles.append(
-            QStringLiteral("the debug log %1 is not whole: it could not be written").arg(summary.output.log));
-    }
-    if (!summary.log.output_trouble.isEmpty()) {
-        summary.output_troubles.append(QStringLiteral("the result database %1 cannot be written: %2")
-                                           .arg(summary.output.database, summary.log.output_trouble));
+void say_losses(const run_summary& summary) {
+    for (const step_loss& loss : summary.losses) {
+        const QString table = loss.table.isEmpty() ? QStringLiteral("no table") : loss.table;
+        const QString file = loss.file.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(loss.file);
+        say(QStringLiteral("not finished: profile %1, %2%3: %4").arg(loss.profile, table, file, loss.reason));
     }
 }
 
 int report(const run_summary& summary, const extract_options& options) {
+    say_findings(summary.health, options.quiet);
+    say_losses(summary);
+    if (!options.quiet && !summary.sandbox.note.isEmpty()) {
+        say(QStringLiteral("note: workers are not fully confined: ") + summary.sandbox.note);
+    }
     for (const QString& trouble : summary.output_troubles) {
         say(trouble);
     }
@@ -189,31 +151,37 @@ int run_extract_command(const extract_options& options) {
     if (summary.output.refused != 0) {
         return refuse(summary.output.refused, summary.output.reason);
     }
-    const plugin_library library = load_plugin_library(options.library);
-    if (library.create == nullptr) {
-        return refuse(exit_internal, QStringLiteral("the plugin cannot be loaded: ") + library.reason);
-    }
     const std::function<bool()> cancelled = is_cancelled;
-    source_health health(source, options.tables, cancelled, summary.health);
-    const QList<system_account> accounts = choose_profiles(options, health, summary.health, code);
+    source_health folders(source, options.tables, cancelled, summary.health);
+    const QList<system_account> accounts = choose_profiles(options, folders, summary.health, code);
     if (accounts.isEmpty()) {
         return code;
     }
+    const QString library = plugin_library_file(options.library);
+    if (!QFileInfo(library).isFile()) {
+        return refuse(exit_internal, QStringLiteral("the plugin cannot be loaded: there is no file %1").arg(library));
+    }
+    run_lock lock;
+    QString reason;
+    if (!QDir().mkpath(summary.output.folder) || !lock.take(summary.output.folder, reason)) {
+        return refuse(exit_output, QStringLiteral("the result folder %1 cannot be used: %2")
+                                       .arg(summary.output.folder, reason.isEmpty() ? error_words(errno) : reason));
+    }
     for (const system_account& account : accounts) {
         summary.profiles.append(account.system_user);
-        health.check_account(account);
-    }
-    say_findings(summary.health, options.quiet);
-    if (!QDir().mkpath(summary.output.result)) {
-        return refuse(exit_output, QStringLiteral("the result folder %1 cannot be made").arg(summary.output.result));
     }
     summary.source = root_with_slash(source);
     summary.all_profiles = options.all_profiles;
     summary.tables = options.tables;
-    const qint64 log_size = QFileInfo(summary.output.log).size();
-    const int runs = make_runs(library, options, plan_runs(options, summary.source, accounts), summary);
+    if (make_result_database(summary.output.database, reason)) {
+        supervisor workers(options, summary.source, library, group(accounts, options.all_profiles), summary);
+        workers.run();
+    } else {
+        summary.not_examined = summary.profiles;
+        summary.add_trouble(
+            QStringLiteral("the result database %1 cannot be used: %2").arg(summary.output.database, reason));
+    }
     summary.signal = cancel_signal();
-    read_run_log(log_size, runs, summary);
     summary.milliseconds = elapsed.elapsed();
-    return report(summary, options);
+    return summary.fault.isEmpty() ? report(summary, options) : refuse(exit_internal, summary.fault);
 }

@@ -4,11 +4,15 @@
 
 #include "contract/table_names.h"
 #include "host/nearest_name.h"
+#include "host/run/process_limits.h"
 
 #include <QCommandLineParser>
 #include <QMap>
+#include <QThread>
 
+#include <algorithm>
 #include <optional>
+#include <unistd.h>
 
 namespace {
 
@@ -82,6 +86,13 @@ void describe_extract(QCommandLineParser& parser) {
     add("all-profiles", "Makes one run with all profiles instead of one run for each.");
     add("tables", "Fills these result tables only, separated by commas.", "NAMES");
     add("clear", "Empties the selected tables first.");
+    add("jobs", "Worker processes at once, one a profile (default: the machine's cores).", "N");
+    add("step-timeout", "Ends a table's step that makes no progress for so many seconds (default 600).", "SECONDS");
+    add("step-limit", "Ends a table's step that takes longer than so many seconds (default 3600).", "SECONDS");
+    add("memory-limit", "Ends a worker that holds more memory: bytes, or with K, M or G (default 2G).", "SIZE");
+    add("output-limit", "Ends a worker whose database grows larger (default 4G).", "SIZE");
+    add("no-sandbox", "Does not confine the workers.");
+    add("progress", "Progress on standard error: line (default on a terminal), json or none.", "FORM");
     add("source-number", "Number of the source, written into every row as SourceN (default 1).", "N");
     add("os-scheme", "Operating system as shown in every row (default Windows).", "TEXT");
     add("log", "Debug log (default RESULT/cortana_debug.log); lines are appended.", "FILE");
@@ -123,7 +134,13 @@ bool read_user(const QString& text, QList<system_account>& users) {
             return false;
         }
     }
-    users.append(account);
+    const auto same = [&](const system_account& known) { return known.system_user == account.system_user; };
+    const auto known = std::find_if(users.begin(), users.end(), same);
+    if (known == users.end()) {
+        users.append(account);
+    } else if (known->domain_user.isEmpty()) { // named twice: examined once, or its rows would stand there twice
+        known->domain_user = account.domain_user;
+    }
     return !account.system_user.isEmpty();
 }
 
@@ -143,6 +160,63 @@ QString read_tables(const QString& text, QStringList& tables) {
         }
     }
     return {};
+}
+
+// Reads a whole number of at least one, where the option is given. False: it is none.
+template <class Number>
+bool read_count(const QCommandLineParser& parser, const char* name, Number& number) {
+    const QString option = QLatin1String(name);
+    if (!parser.isSet(option)) {
+        return true;
+    }
+    bool is_number = false;
+    const int read = parser.value(option).toInt(&is_number);
+    number = read;
+    return is_number && read >= 1;
+}
+
+bool read_size(const QCommandLineParser& parser, const char* name, qint64& size) {
+    const QString option = QLatin1String(name);
+    if (!parser.isSet(option)) {
+        return true;
+    }
+    const std::optional<qint64> read = parse_size(parser.value(option));
+    size = read.value_or(0);
+    return size >= 1;
+}
+
+// Standard error shows a line when it is a terminal that nothing else is written to.
+QString read_progress(const QCommandLineParser& parser, extract_options& options) {
+    const QString name = QStringLiteral("progress");
+    const bool quiet = parser.isSet(QStringLiteral("quiet")) || parser.isSet(QStringLiteral("log-terminal"));
+    const QString form = parser.isSet(name) ? parser.value(name) : QStringLiteral("line");
+    if (form == QLatin1String("json")) {
+        options.progress = progress_form::json_lines;
+    } else if (form == QLatin1String("line")) {
+        options.progress = !quiet && ::isatty(STDERR_FILENO) == 1 ? progress_form::terminal_line : progress_form::none;
+    } else if (form != QLatin1String("none")) {
+        return QStringLiteral("there is no form of progress '%1': line, json or none").arg(form);
+    }
+    return {};
+}
+
+// Returns why they are refused, or an empty text.
+QString read_limits(const QCommandLineParser& parser, extract_options& options) {
+    options.jobs = std::max(1, QThread::idealThreadCount());
+    const std::pair<const char*, bool> readings[] = {
+        {"jobs", read_count(parser, "jobs", options.jobs)},
+        {"step-timeout", read_count(parser, "step-timeout", options.limits.silence_seconds)},
+        {"step-limit", read_count(parser, "step-limit", options.limits.step_seconds)},
+        {"memory-limit", read_size(parser, "memory-limit", options.limits.memory)},
+        {"output-limit", read_size(parser, "output-limit", options.limits.output)},
+    };
+    for (const auto& [name, is_possible] : readings) {
+        if (!is_possible) {
+            const QString option = QLatin1String(name);
+            return QStringLiteral("--%1 does not take '%2'").arg(option, parser.value(option));
+        }
+    }
+    return read_progress(parser, options);
 }
 
 QString read_extract_values(const QCommandLineParser& parser, extract_options& options) {
@@ -165,6 +239,10 @@ QString read_extract_values(const QCommandLineParser& parser, extract_options& o
             return QStringLiteral("the source number '%1' is not a number").arg(value("source-number"));
         }
     }
+    const QString limits_refused = read_limits(parser, options);
+    if (!limits_refused.isEmpty()) {
+        return limits_refused;
+    }
     if (has("log") && value("log").isEmpty()) {
         return QStringLiteral("the debug log's name is empty");
     }
@@ -175,6 +253,7 @@ QString read_extract_values(const QCommandLineParser& parser, extract_options& o
     options.all_profiles = has("all-profiles");
     options.log_terminal = has("log-terminal");
     options.encipher_log = has("encipher-log");
+    options.sandbox = !has("no-sandbox");
     options.json = has("json");
     options.quiet = has("quiet");
     return {};

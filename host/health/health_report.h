@@ -19,6 +19,16 @@ struct health_report {
 
     void add_problem(const QString& path, const QString& reason) { add(problems, problem_count, path, reason); }
     void add_note(const QString& path, const QString& reason) { add(notes, note_count, path, reason); }
+    void add(const health_report& other) {
+        for (const finding& one : other.problems) {
+            add_problem(one.path, one.reason);
+        }
+        for (const finding& one : other.notes) {
+            add_note(one.path, one.reason);
+        }
+        problem_count += other.problem_count - other.problems.size();
+        note_count += other.note_count - other.notes.size();
+    }
 
 private:
     static void add(QVector<finding>& list, qint64& count, const QString& path, const QString& reason) {

@@ -24,8 +24,9 @@ bool is_output_trouble(const QString& message) {
     return false;
 }
 
+constexpr int most_kept = 10; // messages of failures
+
 void take_message(const QString& message, log_findings& findings) {
-    constexpr int most_kept = 10;
     const QLatin1String found_source(log_mark::found_source);
     if (message.startsWith(found_source)) {
         findings.found_sources.append(message.mid(found_source.size()));
@@ -56,6 +57,15 @@ void take_record(QByteArray record, log_findings& findings) {
 }
 
 } // namespace
+
+void log_findings::add(const log_findings& later) {
+    failures += later.failures;
+    first_failures = (first_failures + later.first_failures).mid(0, most_kept);
+    found_sources += later.found_sources;
+    found_sources.removeDuplicates();
+    output_trouble = output_trouble.isEmpty() ? later.output_trouble : output_trouble;
+    ended_runs += later.ended_runs;
+}
 
 bool is_failure(const QString& message) {
     if (message.startsWith(QLatin1String(log_mark::found_source)) ||

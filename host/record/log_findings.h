@@ -12,6 +12,9 @@ struct log_findings {
     QStringList found_sources;  // paths of the source that the plugin listed for reading
     QString output_trouble;     // the first line telling that the result database cannot be written; empty: none
     int ended_runs = 0;         // runs that logged their end
+
+    // Those of a log that follows this one; a source that was found again counts once.
+    void add(const log_findings& later);
 };
 
 // The messages that count as one failure each: those with "FAILED", "fails   ---" or "Unable to open file in graph

@@ -3,6 +3,8 @@
 #pragma once
 
 #include "contract/host_records.h"
+#include "host/run/progress.h"
+#include "host/run/worker_limits.h"
 
 #include <QList>
 #include <QString>
@@ -11,16 +13,20 @@
 struct extract_options {
     QString source;
     QString result;
-    QList<system_account> users; // empty: every profile folder of the source
+    QList<system_account> users; // no profile twice; empty: every profile folder of the source
     QStringList tables;          // selected tables, in the plugin's order; never empty
     int source_number = 1;
     QString os_scheme;
     bool clear = false;
     bool all_profiles = false;
+    int jobs = 1; // worker processes at once
+    worker_limits limits;
+    bool sandbox = true;
     QString log_file; // empty: the default one in the result folder
     bool log_terminal = false;
     bool encipher_log = false;
     QString library; // empty: the one beside the program
+    progress_form progress = progress_form::none;
     bool json = false;
     bool quiet = false;
 };

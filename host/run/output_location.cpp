@@ -108,9 +108,11 @@ output_location settle_output(const QString& result, const QString& log, const Q
     output.result = QFile::decodeName(folder.real == "/" ? folder.real : folder.real + '/');
     output.log = log.isEmpty() ? output.result + QStringLiteral("cortana_debug.log") : log;
     const QString below = result_layout::plugin_folder(output.result, artifact_name);
+    output.folder = below;
+    output.workers = below + QStringLiteral(".workers/");
     output.database = result_layout::database_file(below, artifact_name);
 
-    const future_path folders[] = {locate(below), locate(result_layout::temporary_folder(below))};
+    const future_path folders[] = {locate(below), locate(output.workers)};
     const future_path files[] = {locate(output.log), locate(output.database),
                                  locate(output.database + QStringLiteral("-journal"))};
     for (const future_path& path : folders) {
@@ -121,7 +123,7 @@ output_location settle_output(const QString& result, const QString& log, const Q
         if (!why.isEmpty()) {
             return refusal(exit_output, the_result, below, why);
         }
-        if (is_at_or_below(source, path.real)) { // the plugin removes its working folder with all that is in it
+        if (is_at_or_below(source, path.real)) { // the working folder is removed with all that is in it
             return refusal(exit_usage, the_result, result, QStringLiteral("the source lies in the plugin's folder"));
         }
         if (is_at_or_below(files[0].real, path.real)) {

@@ -10,6 +10,8 @@ struct output_location {
     QString result;   // the result folder, every link resolved, ending in "/"; need not exist yet
     QString database; // the result database that the plugin writes
     QString log;      // the debug log
+    QString folder;   // the plugin's own, ending in "/"; the result database lies in it
+    QString workers;  // the folder, ending in "/", that worker processes write below; ours alone
     int refused = 0;  // exit_usage or exit_output when nothing may be written
     QString reason;   // why, for the user
 };

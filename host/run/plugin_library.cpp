@@ -18,11 +18,14 @@ QString library_beside_program() {
 
 } // namespace
 
+QString plugin_library_file(const QString& wished) {
+    // A name without "/" would be looked for in the system's library folders.
+    return wished.isEmpty() ? library_beside_program() : QFileInfo(wished).absoluteFilePath();
+}
+
 plugin_library load_plugin_library(const QString& file) {
     plugin_library library;
-    // A name without "/" would be looked for in the system's library folders.
-    const QString path = file.isEmpty() ? library_beside_program() : QFileInfo(file).absoluteFilePath();
-    void* const opened = ::dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);
+    void* const opened = ::dlopen(QFile::encodeName(file).constData(), RTLD_NOW | RTLD_LOCAL);
     void* const symbol = opened != nullptr ? ::dlsym(opened, create_object_symbol) : nullptr;
     if (symbol == nullptr) {
         const char* const reason = ::dlerror();

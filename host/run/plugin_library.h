@@ -11,5 +11,9 @@ struct plugin_library {
     QString reason;                          // why
 };
 
-// file: empty for libcortana.so beside the program, then ../lib/cortana/libcortana.so from there.
+// The file to load, absolute. wished: empty for libcortana.so beside the program, then ../lib/cortana/libcortana.so
+// from there. Needs the application object.
+QString plugin_library_file(const QString& wished);
+
+// file: absolute.
 plugin_library load_plugin_library(const QString& file);

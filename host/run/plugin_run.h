@@ -2,25 +2,19 @@
 // One run of the plugin: one object from create_object to delete, its operations in the documented order.
 #pragma once
 
-#include "host/record/row_counts.h"
-#include "host/run/extract_options.h"
-#include "host/run/output_location.h"
 #include "host/run/plugin_library.h"
-#include "host/run/progress_line.h"
+#include "host/run/worker_protocol.h"
 
-struct run_request {
-    QString source_root; // ending in "/"
-    QList<system_account> accounts;
-    bool clear = false;
+#include <QObject>
+
+// Hears of a run's progress. Called on the thread that drives the plugin.
+class plugin_listener : public QObject {
+    Q_OBJECT
+
+public Q_SLOTS:
+    virtual void rows_written(qint64 rows) = 0; // so far, by the plugin's own count
+    virtual void steps_done(int steps) = 0;     // selected tables done so far
 };
 
-struct run_outcome {
-    qint64 rows_told = 0; // by the plugin's last signal
-    qint64 rows_found = 0;
-    bool extracted = false; // false: the result database cannot be used, nothing was read
-    QString trouble;        // why the database cannot be written or read; empty: it can
-};
-
-// Adds the rows of the run to counts.
-run_outcome run_plugin(const plugin_library& library, const extract_options& options, const output_location& output,
-                       const run_request& request, progress_line& progress, added_rows& counts);
+// Runs the plugin over the request's accounts and tables, into the request's folder.
+void run_plugin(const plugin_library& library, const worker_request& request, plugin_listener& listener);

@@ -113,6 +113,17 @@ QJsonArray json_rows(const run_summary& summary) {
     return list;
 }
 
+QJsonArray json_losses(const run_summary& summary) {
+    QJsonArray list;
+    for (const step_loss& loss : summary.losses) {
+        list.append(QJsonObject{{QStringLiteral("profile"), loss.profile},
+                                {QStringLiteral("table"), loss.table},
+                                {QStringLiteral("file"), loss.file},
+                                {QStringLiteral("reason"), loss.reason}});
+    }
+    return list;
+}
+
 QString outcome_name(int code) {
     switch (code) {
     case exit_complete:
@@ -121,6 +132,8 @@ QString outcome_name(int code) {
         return QStringLiteral("finished with failures");
     case exit_nothing_found:
         return QStringLiteral("nothing found");
+    case exit_internal:
+        return QStringLiteral("internal fault");
     case exit_output:
         return QStringLiteral("output cannot be written");
     default:
@@ -129,6 +142,12 @@ QString outcome_name(int code) {
 }
 
 } // namespace
+
+void run_summary::add_trouble(const QString& trouble) {
+    if (!output_troubles.contains(trouble)) {
+        output_troubles.append(trouble);
+    }
+}
 
 qint64 run_summary::row_count() const {
     qint64 sum = 0;
@@ -141,13 +160,16 @@ qint64 run_summary::row_count() const {
 }
 
 int exit_code_of(const run_summary& summary) {
+    if (!summary.fault.isEmpty()) {
+        return exit_internal;
+    }
     if (!summary.output_troubles.isEmpty()) {
         return exit_output;
     }
     if (summary.signal != 0) {
         return 128 + summary.signal;
     }
-    if (summary.log.failures > 0 || summary.health.problem_count > 0) {
+    if (summary.log.failures > 0 || summary.health.problem_count > 0 || !summary.losses.isEmpty()) {
         return exit_failures;
     }
     return summary.log.found_sources.isEmpty() ? exit_nothing_found : exit_complete;
@@ -166,6 +188,9 @@ QString summary_table(const run_summary& summary) {
     text += QStringLiteral("result database  %1\n").arg(printable(summary.output.database));
     text += QStringLiteral("debug log        %1 (%2)\n")
                 .arg(printable(summary.output.log), counted(summary.log.failures, "failure", "failures"));
+    if (!summary.losses.isEmpty()) {
+        text += QStringLiteral("not finished     %1\n").arg(counted(summary.losses.size(), "step", "steps"));
+    }
     if (summary.health.problem_count > 0) {
         text += QStringLiteral("could not read   %1\n").arg(counted(summary.health.problem_count, "path", "paths"));
     }
@@ -192,6 +217,7 @@ QByteArray summary_json(const run_summary& summary) {
         {QStringLiteral("sources_found"), QJsonArray::fromStringList(summary.log.found_sources)},
         {QStringLiteral("failures"), summary.log.failures},
         {QStringLiteral("first_failures"), QJsonArray::fromStringList(summary.log.first_failures)},
+        {QStringLiteral("losses"), json_losses(summary)},
         {QStringLiteral("could_not_read"), summary.health.problem_count},
         {QStringLiteral("problems"), json_findings(summary.health.problems)},
         {QStringLiteral("note_count"), summary.health.note_count},

@@ -4,11 +4,20 @@
 
 #include "host/health/health_report.h"
 #include "host/record/log_findings.h"
-#include "host/record/row_counts.h"
 #include "host/run/output_location.h"
+#include "host/run/result_merge.h"
+#include "host/run/sandbox.h"
 
 #include <QString>
 #include <QStringList>
+
+// A part of the work that a worker process did not come to the end of.
+struct step_loss {
+    QString profile;
+    QString table;  // the step that is missing; empty: the look over the evidence, or what follows the last step
+    QString file;   // that it was reading, or that the table's rows come from; empty where that is not known
+    QString reason; // a signal by its name, or the limit that it passed
+};
 
 struct run_summary {
     QString source;
@@ -21,13 +30,19 @@ struct run_summary {
     qint64 milliseconds = 0;
     health_report health;
     log_findings log;
+    QVector<step_loss> losses;
+    sandbox_state sandbox;       // of the workers
+    QString fault;               // why no worker can do its work; empty: they can
     QStringList output_troubles; // why rows or log lines may be missing
     int signal = 0;              // that cancelled the run
 
+    // One that is known is not told again.
+    void add_trouble(const QString& trouble);
     qint64 row_count() const;
 };
 
-// Lost output goes before a cancel, a cancel before failures, failures before an empty source.
+// A fault of the program goes before lost output, that before a cancel, a cancel before failures and lost steps, and
+// these before an empty source.
 int exit_code_of(const run_summary& summary);
 
 // Ready to print: names are made printable.

@@ -15,7 +15,7 @@ void prepare(const host_case& host) {
     for (const char* const folder : {"no_users/Windows", "only_public/Users/Public", "only_public/Users/default user",
                                      "with_plugin_link/Artifacts_Result", "with_database_link/Artifacts_Result/Cortana",
                                      "database_is_folder/Artifacts_Result/Cortana/Cortana.sqlite",
-                                     "around/Artifacts_Result/Cortana/tmp/Users/anna", "closed"}) {
+                                     "around/Artifacts_Result/Cortana/.workers/Users/anna", "closed"}) {
         std::filesystem::create_directories(base / folder);
     }
     std::filesystem::permissions(base / "closed", std::filesystem::perms(0555));
@@ -77,7 +77,8 @@ private Q_SLOTS:
         row("plugin folder in the source", "extract {S} {B}/with_plugin_link", 2, "inside the source");
         row("database to be made in the source", "extract {S} {B}/with_database_link", 5, "leads nowhere");
         row("database is a folder", "extract {S} {B}/database_is_folder", 5, "not a regular file");
-        row("source in tmp", "extract {B}/around/Artifacts_Result/Cortana/tmp {B}/around", 2, "the source lies in");
+        row("source in the workers' folder", "extract {B}/around/Artifacts_Result/Cortana/.workers {B}/around", 2,
+            "the source lies in");
         row("log in the source", "extract --log {S}/log {S} {R}", 2, "inside the source");
         row("log in a missing folder", "extract --log {B}/missing/log {S} {R}", 5, "its folder does not exist");
         row("log is a folder", "extract --log {B}/no_users {S} {R}", 5, "not a regular file");

@@ -200,7 +200,7 @@ private Q_SLOTS:
         }
         host.add_recording("bernd", "last.wav");
         const auto limit = static_cast<rlim_t>(QFileInfo(QString::fromUtf8(host.database())).size());
-        const host_answer answer = host.extract("--log {B}/log"_q, [limit] { limit_files(limit); });
+        const host_answer answer = host.extract("--jobs 1 --log {B}/log"_q, [limit] { limit_files(limit); });
         QCOMPARE(answer.code, 5);
         QVERIFY2(answer.error.contains("rows were lost") || answer.error.contains("cannot be written"),
                  answer.error.constData());

@@ -71,7 +71,7 @@ class test_host_signals : public QObject {
     Q_OBJECT
 
     // Cancels after these words of the log.
-    static void cancel(const QString& option, const QByteArray& words, int signal, bool rows_kept) {
+    static void cancel(const QString& option, const QByteArray& words, int signal) {
         const host_case host;
         add_profiles(host);
         const auto program = start_on_pipe(host, option);
@@ -83,28 +83,13 @@ class test_host_signals : public QObject {
         QCOMPARE(summary["outcome"_q].toString(), "cancelled"_q);
         const QStringList users = host.recordings({"system_user"_q});
         QCOMPARE(summary["rows_added"_q].toInt(), users.size());
-        QCOMPARE(users.value(0), rows_kept ? "system_user=text:p1000"_q : QString());
+        QCOMPARE(users.value(0), "system_user=text:p1000"_q);
         QCOMPARE(users.filter("p1099"_q), QStringList());
-        QCOMPARE(summary["not_examined"_q].toArray().contains("p1099"_q), rows_kept); // one run left out nobody
+        QVERIFY(summary["not_examined"_q].toArray().contains("p1099"_q));
     }
 
 private Q_SLOTS:
-    void keeps_what_was_written() { cancel("--clear"_q, "[pub_extract_artifacts] - END", SIGINT, true); }
-    void cancels_while_sources_are_looked_for() { cancel("--all-profiles"_q, "FILE EXIST--", SIGTERM, false); }
-
-    void cancels_before_the_first_run() {
-        const host_case host;
-        host.make_folders(host.speech_folder("anna"));
-        for (int i = 0; i < profile_count; ++i) { // each gives a note, and the pipe cannot hold all of them
-            const QByteArray pipe = host.speech_folder("anna") + '/' + QByteArray::number(i);
-            QCOMPARE(::mkfifo(pipe.constData(), 0644), 0);
-        }
-        const auto program = start_on_pipe(host);
-        program->signal_after("note: ", {SIGINT});
-        QCOMPARE(program->exit_code(), 130);
-        QVERIFY(!QFile::exists(QString::fromUtf8(host.database())));
-        QVERIFY2(program->seen.contains("cortana: cancelled; not examined: anna"), program->seen.constData());
-    }
+    void keeps_what_was_written() { cancel("--clear"_q, "[pub_extract_artifacts] - END", SIGINT); }
 
     void stops_at_once_at_the_second_signal() {
         const host_case host;
@@ -124,9 +109,10 @@ private Q_SLOTS:
         const int side = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
         running_host program(host, "extract {S} {R}"_q, side, terminal);
         QCOMPARE(program.exit_code(), 0);
-        QVERIFY2(program.seen.startsWith("\rtable 1 of 9 time_reminders, 0 records, 0 s, anna\\x1b[2J\x1b[K"),
+        QVERIFY2(program.seen.startsWith("\r0/1 profiles, 0 rows, 0 rows/s, 0 s: anna\\x1b[2J checked\x1b[K"),
                  program.seen.constData());
-        QVERIFY2(program.seen.contains("\rtable 5 of 9 graphed_cache, 1 records, "), program.seen.constData());
+        QVERIFY2(program.seen.contains("\r0/1 profiles, 1 rows, "), program.seen.constData());
+        QVERIFY2(program.seen.contains("anna\\x1b[2J graphed_cache\x1b[K"), program.seen.constData());
         QVERIFY2(program.seen.endsWith("\r\x1b[K"), program.seen.constData());
         QVERIFY(!program.seen.contains('\n'));
         QCOMPARE(program.seen.count('\x1b'), program.seen.count("\x1b[K"));

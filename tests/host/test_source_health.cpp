@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The look over the evidence: every kind of damage to the way, the databases, the hive and the trees is told, and
 // sound evidence is not.
-#include "host/health/source_health.h"
 #include "contract/table_names.h"
+#include "host/health/source_health.h"
 #include "host_case.h"
 #include "samples/ese_writer.h"
 #include "samples/sample_source.h"

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+// One run at a time into one result folder.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+class run_lock {
+public:
+    run_lock() = default;
+    ~run_lock();
+    run_lock(const run_lock&) = delete;
+    run_lock& operator=(const run_lock&) = delete;
+
+    // Takes the lock of the folder (which exists), or says why not: another run holds it, or it cannot be made. The
+    // kernel holds it for the living process, so a run that died leaves none behind; the empty file stays.
+    bool take(const QString& folder, QString& reason);
+
+private:
+    int handle = -1;
+};

@@ -1,0 +1,323 @@
+// SPDX-License-Identifier: MIT
+// A worker that is lost costs the step that it was in: a fresh one goes on with the steps behind it, in a folder of its
+// own, so that nothing of the lost one is used but the steps that it had finished.
+#include "host/run/supervisor.h"
+
+#include "host/run/cancellation.h"
+#include "host/run/result_merge.h"
+#include "source/places.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int look_round_ms = 50;
+
+QString label_of(const QList<system_account>& accounts) {
+    return accounts.size() == 1 ? accounts.first().system_user : QStringLiteral("all profiles");
+}
+
+// The place that a table's rows come from, below a profile or package folder.
+QString place_of(const QString& table) {
+    QString found;
+    places::for_each([&](const evidence_place& place) {
+        if (QString(QLatin1String(place.tables)).split(QLatin1Char(' ')).contains(table)) {
+            found = QLatin1String(place.below);
+        }
+    });
+    return found;
+}
+
+// Appends the file to the log; its last line is ended if the worker did not come to that.
+bool append_log(const QString& from, const QString& to) {
+    QFile source(from);
+    QFile log(to);
+    if (!source.exists()) {
+        return true;
+    }
+    if (!source.open(QIODevice::ReadOnly) || !log.open(QIODevice::WriteOnly | QIODevice::Append)) {
+        return false;
+    }
+    QByteArray last;
+    constexpr qint64 at_once = 1024 * 1024;
+    for (QByteArray part = source.read(at_once); !part.isEmpty(); part = source.read(at_once)) {
+        if (log.write(part) != part.size()) {
+            return false;
+        }
+        last = part.right(1);
+    }
+    const bool ended = last.isEmpty() || last == "\n" || last == "\0";
+    return (ended || log.write("\n") == 1) && log.flush();
+}
+
+} // namespace
+
+struct supervisor::profile {
+    enum { waiting, working, finished, merged } state = waiting;
+    int place = 0; // in the run
+    QList<system_account> accounts;
+    QString label;
+    QStringList remaining;  // tables that no worker has finished or lost
+    bool checked = false;   // the look over the evidence is done or lost
+    QStringList folders;    // of its workers so far, the running one's last
+    QStringList databases;  // of its workers so far that finished a step
+    int steps_done = 0;     // by the running worker
+    qint64 rows_told = 0;   // by the running worker
+    qint64 rows_kept = 0;   // of the running worker's finished steps
+    qint64 rows_before = 0; // of the finished steps of those before it
+    int ended_runs = 0;     // runs of the plugin that came to their end
+    log_findings log;
+    health_report health;
+    std::unique_ptr<worker_process> worker;
+};
+
+supervisor::supervisor(const extract_options& asked, const QString& source_root, const QString& library_file,
+                       const QList<QList<system_account>>& groups, run_summary& result)
+    : options(asked), root(source_root), library(library_file), summary(result),
+      progress(asked.progress, groups.size()) {
+    for (const QList<system_account>& accounts : groups) {
+        auto one = std::make_unique<profile>();
+        one->place = static_cast<int>(profiles.size());
+        one->accounts = accounts;
+        one->label = label_of(accounts);
+        one->remaining = options.tables;
+        profiles.push_back(std::move(one));
+    }
+    connect(&clock, &QTimer::timeout, this, &supervisor::look_round);
+}
+
+supervisor::~supervisor() = default;
+
+void supervisor::run() {
+    QDir(summary.output.workers).removeRecursively(); // what a run left that was killed
+    clock.start(look_round_ms);
+    start_more();
+    if (running > 0) {
+        loop.exec();
+    }
+    clock.stop();
+    for (const auto& one : profiles) { // a cancel may have kept a lost worker from having a follower
+        one->state = one->state == profile::waiting && !one->folders.isEmpty() ? profile::finished : one->state;
+    }
+    merge_finished();
+    for (const auto& one : profiles) {
+        summary.health.add(one->health);
+        for (const system_account& account : qAsConst(one->accounts)) {
+            if (one->state == profile::waiting) {
+                summary.not_examined.append(account.system_user);
+            }
+        }
+    }
+    progress.clear();
+    QDir(summary.output.workers).removeRecursively();
+}
+
+bool supervisor::may_start() const {
+    return !is_cancelled() && summary.output_troubles.isEmpty() && summary.fault.isEmpty();
+}
+
+void supervisor::start_more() {
+    for (const auto& one : profiles) {
+        if (running >= options.jobs || !may_start()) {
+            break;
+        }
+        if (one->state == profile::waiting) {
+            start_worker(*one);
+        }
+    }
+    if (running == 0) {
+        loop.quit();
+    }
+}
+
+worker_request supervisor::request_for(const profile& one) const {
+    worker_request request;
+    request.source_root = root;
+    request.accounts = one.accounts;
+    request.check = !one.checked;
+    request.checked_tables = options.tables;
+    request.tables = one.remaining;
+    request.folder = one.folders.last();
+    request.library = library;
+    request.os_scheme = options.os_scheme;
+    request.source_number = options.source_number;
+    request.log_terminal = options.log_terminal;
+    request.encipher_log = options.encipher_log;
+    request.sandbox = options.sandbox;
+    return request;
+}
+
+void supervisor::start_worker(profile& one) {
+    const QString folder = summary.output.workers + QStringLiteral("%1-%2").arg(one.place).arg(one.folders.size());
+    if (!QDir().mkpath(folder)) {
+        summary.add_trouble(QStringLiteral("the folder %1 cannot be made").arg(folder));
+        return;
+    }
+    one.state = profile::working;
+    one.folders.append(folder);
+    one.steps_done = 0;
+    one.rows_told = one.rows_kept = 0;
+    one.worker = std::make_unique<worker_process>(request_for(one), options.limits);
+    connect(one.worker.get(), &worker_process::message_came, this,
+            [this, &one](const worker_message& message) { take_message(one, message); });
+    connect(one.worker.get(), &worker_process::worker_gone, this,
+            [this, &one](const worker_loss& loss) { take_end(one, loss); });
+    ++running;
+    one.worker->begin();
+    tell_progress(one);
+}
+
+void supervisor::take_message(profile& one, const worker_message& message) {
+    switch (message.what) {
+    case worker_message::confined:
+        summary.sandbox = message.sandbox;
+        break;
+    case worker_message::checked:
+        one.checked = true;
+        one.health = message.health;
+        one.worker->step_began();
+        break;
+    case worker_message::rows:
+        one.rows_told = message.number;
+        break;
+    case worker_message::step_done:
+        one.steps_done = std::min(one.remaining.size(), one.steps_done + 1);
+        one.rows_kept = one.rows_told;
+        one.worker->step_began();
+        break;
+    case worker_message::failed:
+        summary.fault = message.text;
+        break;
+    case worker_message::ended:
+        one.ended_runs += is_cancelled() || one.remaining.isEmpty() ? 0 : 1;
+        break;
+    case worker_message::unknown:
+        break;
+    }
+    tell_progress(one);
+}
+
+void supervisor::take_end(profile& one, const worker_loss& loss) {
+    --running;
+    one.worker.release()->deleteLater(); // it is telling of its end
+    if (one.steps_done > 0) {
+        one.databases.append(worker_database(one.folders.last()));
+    }
+    one.rows_before += one.rows_kept;
+    one.remaining = one.remaining.mid(one.steps_done);
+    take_findings(one);
+    const bool lost = !loss.reason.isEmpty() && !is_cancelled();
+    if (lost) {
+        take_loss(one, loss);
+    }
+    one.state = lost && !one.remaining.isEmpty() ? profile::waiting : profile::finished;
+    if (one.state == profile::waiting && may_start()) {
+        start_worker(one);
+    }
+    tell_progress(one);
+    if (!options.clear) {
+        merge_finished();
+    }
+    start_more();
+}
+
+void supervisor::take_loss(profile& one, const worker_loss& loss) {
+    const bool in_step = one.checked && !one.remaining.isEmpty();
+    const QString table = in_step ? one.remaining.takeFirst() : QString();
+    summary.losses.append({one.label, table, loss.file.isEmpty() ? place_of(table) : loss.file, loss.reason});
+    one.checked = true; // what it was looked over for is told; the steps come next
+}
+
+void supervisor::take_findings(profile& one) {
+    const QString log = worker_log(one.folders.last());
+    log_findings findings;
+    if (QFile::exists(log) && !read_log(log, 0, findings)) {
+        summary.add_trouble(QStringLiteral("the debug log %1 cannot be read").arg(log));
+    }
+    one.log.add(findings);
+    if (!findings.output_trouble.isEmpty()) {
+        summary.add_trouble(QStringLiteral("the result database %1 cannot be written: %2")
+                                .arg(summary.output.database, findings.output_trouble));
+    }
+}
+
+// With --clear nothing is emptied before all profiles are through, and nothing at all when one of them could not be
+// written: the rows of earlier runs must not be lost for an unfinished run's.
+void supervisor::merge_finished() {
+    for (const auto& one : profiles) {
+        const bool has_trouble =
+            !one->log.output_trouble.isEmpty() || (options.clear && !summary.output_troubles.isEmpty());
+        if (has_trouble || (one->state != profile::finished && one->state != profile::merged)) {
+            return;
+        }
+        if (one->state == profile::finished) {
+            merge(*one);
+        }
+    }
+}
+
+void supervisor::merge(profile& one) {
+    one.state = profile::merged;
+    const bool clear = options.clear && !has_cleared;
+    const merge_outcome outcome = merge_all_that_can_be_read(one, clear);
+    if (!outcome.done) {
+        summary.add_trouble(QStringLiteral("the result database %1 cannot be written: %2")
+                                .arg(summary.output.database, outcome.trouble));
+        return;
+    }
+    has_cleared = has_cleared || clear;
+    if (outcome.rows < one.rows_before) {
+        summary.add_trouble(QStringLiteral("rows were lost: the plugin wrote %1, the database %2 got %3")
+                                .arg(one.rows_before)
+                                .arg(summary.output.database)
+                                .arg(outcome.rows));
+    }
+    summary.log.add(one.log);
+    bool whole = one.log.ended_runs >= one.ended_runs;
+    for (const QString& folder : qAsConst(one.folders)) {
+        whole = append_log(worker_log(folder), summary.output.log) && whole;
+        QDir(folder).removeRecursively();
+    }
+    if (!whole) {
+        summary.add_trouble(
+            QStringLiteral("the debug log %1 is not whole: it could not be written").arg(summary.output.log));
+    }
+}
+
+// A worker that was lost may have left a database that SQLite cannot read: its steps are lost then, no others'.
+merge_outcome supervisor::merge_all_that_can_be_read(profile& one, bool clear) {
+    merge_outcome outcome = merge_workers(summary.output.database, one.databases, options.tables, clear, summary.rows);
+    while (!outcome.done && !outcome.damaged_worker.isEmpty()) {
+        summary.losses.append({one.label, QString(), outcome.damaged_worker,
+                               QStringLiteral("the worker's database is damaged: ") + outcome.damage});
+        one.databases.removeAll(outcome.damaged_worker);
+        one.rows_before = 0; // they are told as lost
+        outcome = merge_workers(summary.output.database, one.databases, options.tables, clear, summary.rows);
+    }
+    return outcome;
+}
+
+void supervisor::look_round() {
+    const bool pass_on = is_cancelled() && !cancel_passed_on;
+    cancel_passed_on = cancel_passed_on || pass_on;
+    for (const auto& one : profiles) {
+        if (one->worker != nullptr && pass_on) {
+            one->worker->cancel(cancel_signal());
+        }
+        if (one->worker != nullptr) {
+            one->worker->hold_to_limits();
+        }
+    }
+}
+
+void supervisor::tell_progress(const profile& one) {
+    const QString table = one.checked ? one.remaining.value(one.steps_done) : QString();
+    const auto done = std::count_if(profiles.begin(), profiles.end(), [](const auto& other) {
+        return other->state == profile::finished || other->state == profile::merged;
+    });
+    progress.update(one.place, {one.label, table, one.rows_before + one.rows_told, one.state == profile::working},
+                    static_cast<int>(done));
+}

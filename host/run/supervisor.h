@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// Runs an extraction with one worker process a profile, so many at once as asked, and takes what finished profiles
+// wrote into the result database and the debug log, in the profiles' order. Touches no evidence itself.
+#pragma once
+
+#include "host/run/extract_options.h"
+#include "host/run/progress.h"
+#include "host/run/result_merge.h"
+#include "host/run/summary.h"
+#include "host/run/worker_process.h"
+
+#include <QEventLoop>
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+#include <vector>
+
+class supervisor : public QObject {
+    Q_OBJECT
+
+public:
+    // groups: the accounts of each run of the plugin, in order. source_root ends in "/". library: absolute. All but
+    // groups outlive this object.
+    supervisor(const extract_options& asked, const QString& source_root, const QString& library,
+               const QList<QList<system_account>>& groups, run_summary& result);
+    ~supervisor() override;
+
+    // Returns when the last worker is gone and all that can be taken is taken. Needs the application object.
+    void run();
+
+private:
+    struct profile; // one group and what came of it
+
+    bool may_start() const;
+    void start_more();
+    worker_request request_for(const profile& one) const;
+    void start_worker(profile& one);
+    void take_message(profile& one, const worker_message& message);
+    void take_end(profile& one, const worker_loss& loss);
+    void take_loss(profile& one, const worker_loss& loss);
+    void take_findings(profile& one);
+    void merge_finished();
+    void merge(profile& one);
+    merge_outcome merge_all_that_can_be_read(profile& one, bool clear);
+    void look_round(); // at the workers' limits, and for a cancel
+    void tell_progress(const profile& one);
+
+    const extract_options& options;
+    QString root;
+    QString library;
+    run_summary& summary;
+    std::vector<std::unique_ptr<profile>> profiles;
+    run_progress progress;
+    QEventLoop loop;
+    QTimer clock;
+    int running = 0;
+    bool cancel_passed_on = false;
+    bool has_cleared = false;
+};

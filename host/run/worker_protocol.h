@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// What supervisor and worker tell each other: one JSON document as the worker's standard input, then a line a message
+// on the worker's standard output. A worker has read evidence, so nothing that it says is believed without a look.
+#pragma once
+
+#include "contract/host_records.h"
+#include "host/health/health_report.h"
+#include "host/run/sandbox.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+// What one worker is to do. Paths are absolute.
+struct worker_request {
+    QString source_root; // ending in "/"
+    QList<system_account> accounts;
+    bool check = false; // look over the evidence that the checked tables come from, before any step
+    QStringList checked_tables;
+    QStringList tables; // to fill, in the plugin's order; empty: none
+    QString folder;     // the worker's own, the only place where it may write; empty: nothing is written
+    QString library;
+    QString os_scheme;
+    int source_number = 1;
+    bool log_terminal = false;
+    bool encipher_log = false;
+    bool sandbox = true;
+};
+
+QByteArray to_bytes(const worker_request& request);
+worker_request request_from(const QByteArray& bytes);
+
+// Where a worker's results lie in its folder.
+QString worker_database(const QString& folder);
+QString worker_log(const QString& folder);
+
+// One message of a worker.
+struct worker_message {
+    enum kind {
+        unknown,
+        confined,  // sandbox
+        checked,   // health
+        rows,      // number: rows so far
+        step_done, // number: steps done so far
+        failed,    // text: why it can do nothing
+        ended,     // it did all that it was asked to, or was cancelled
+    };
+    kind what = unknown;
+    qint64 number = 0;
+    QString text;
+    sandbox_state sandbox;
+    health_report health;
+};
+
+QByteArray to_line(const worker_message& message);
+// A line that is no message gives one of kind unknown. Counts are never negative, and lists as long as their holders
+// keep at the most.
+worker_message message_from(const QByteArray& line);
