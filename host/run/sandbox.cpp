@@ -12,8 +12,8 @@
 #include <sched.h>
 #include <sys/prctl.h>
 
-// Of AddressSanitizer's runtime; absent in other builds.
-extern "C" __attribute__((weak)) void __lsan_do_leak_check(); // NOLINT(bugprone-reserved-identifier)
+// Of AddressSanitizer's runtime; absent in other builds. NOLINTNEXTLINE(*-identifier*): the name is not ours
+extern "C" __attribute__((weak)) void __lsan_do_leak_check();
 
 namespace {
 

@@ -14,9 +14,12 @@
 
 #include <cstdio>
 #include <seccomp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+
+#include <linux/capability.h>
 
 Q_DECLARE_METATYPE(protection)
 
@@ -49,6 +52,11 @@ void prepare(const QString& preparation, sandbox_plan& plan) {
     } else if (preparation == "a filter that fails"_q) {
         take_away(SCMP_SYS(seccomp), ENOMEM, {SCMP_A0(SCMP_CMP_EQ, SECCOMP_SET_MODE_FILTER)});
     }
+}
+
+// Root in a container may have less than all rights.
+bool is_privileged() {
+    return ::geteuid() == 0 && ::prctl(PR_CAPBSET_READ, CAP_SYS_ADMIN) == 1;
 }
 
 int run_plugin() {
@@ -107,6 +115,7 @@ class test_sandbox : public QObject {
     struct outcome {
         int error = -1;
         sandbox_state state;
+        QByteArray noise; // on standard error
     };
 
     std::unique_ptr<QTemporaryDir> folder;
@@ -123,11 +132,11 @@ class test_sandbox : public QObject {
     outcome run(const QString& what, const QString& protections, const QString& preparation = ""_q) const {
         QProcess process;
         start(process, {what, protections, preparation});
-        const QByteArray trouble = process.readAllStandardError();
-        const QList<QByteArray> fields = process.readAllStandardOutput().trimmed().split(' ');
         outcome told;
-        if (process.exitStatus() != QProcess::NormalExit || fields.size() < 5 || !trouble.isEmpty()) {
-            qWarning("%s: code %d, %s", qPrintable(what), process.exitCode(), trouble.constData());
+        told.noise = process.readAllStandardError();
+        const QList<QByteArray> fields = process.readAllStandardOutput().trimmed().split(' ');
+        if (process.exitStatus() != QProcess::NormalExit || fields.size() < 5) {
+            qWarning("%s: code %d, %s", qPrintable(what), process.exitCode(), told.noise.constData());
             return told;
         }
         told.error = fields[0].toInt();
@@ -182,7 +191,7 @@ private Q_SLOTS:
         const bool by_landlock = tried.landlock > 0 && state.landlock_abi >= tried.landlock;
         if (by_landlock || (tried.filter && is_filtered)) {
             QVERIFY2(told.error == EPERM || told.error == EACCES || told.error == EXDEV, strerror(told.error));
-        } else if (tried.needs_root && ::geteuid() != 0) {
+        } else if (tried.needs_root && told.error != 0 && !is_privileged()) {
             QSKIP("only root could do that unconfined");
         } else {
             QVERIFY2(told.error == 0, strerror(told.error));
@@ -232,10 +241,16 @@ private Q_SLOTS:
     // Everything at once: Qt starts, the library is loaded, libesedb and hivex read, SQLite writes.
     void plugin_finds_the_same_rows() {
         QVERIFY(write_sample_source(in("source")));
-        QCOMPARE(run("plugin"_q, ""_q).error, 0);
+        const outcome free_run = run("plugin"_q, ""_q);
+        QCOMPARE(free_run.error, 0);
         const QStringList unconfined = all_rows();
         QVERIFY(QDir(in("output/result")).removeRecursively());
-        QCOMPARE(run("plugin"_q, "lf"_q).error, 0);
+        const outcome confined_run = run("plugin"_q, "lf"_q);
+        QCOMPARE(confined_run.error, 0);
+        for (const QByteArray& line :
+             confined_run.noise.split('\n')) { // some systems' font settings are a noise of their own
+            QVERIFY2(free_run.noise.contains(line), line.constData());
+        }
         QVERIFY(unconfined.size() > all_tables().size());
         QCOMPARE(all_rows(), unconfined);
     }
