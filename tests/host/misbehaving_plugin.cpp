@@ -8,6 +8,8 @@
 #include <QLibrary>
 
 #include <arpa/inet.h>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
