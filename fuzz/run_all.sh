@@ -11,7 +11,7 @@ for program in build/fuzz/bin/fuzz_*; do
     kept=()
     [ -d "fuzz/corpus/$name" ] && kept=("fuzz/corpus/$name")
     echo "fuzz: $name, $seconds s"
-    "$program" -max_total_time="$seconds" -max_len=4096 -timeout=10 -rss_limit_mb=2048 -verbosity=0 \
+    "$program" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -verbosity=0 \
         -artifact_prefix="build/fuzz/found/" "build/fuzz/found/$name" "${kept[@]}" 2>"build/fuzz/$name.log" ||
         { tail -n 40 "build/fuzz/$name.log" >&2; exit 1; }
 done
