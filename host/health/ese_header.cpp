@@ -101,7 +101,7 @@ QString problem_of(std::string_view head) {
     if (head.empty()) {
         return QStringLiteral("it is empty");
     }
-    if (!has_signature(head)) {
+    if (!has_signature(head) && believed_header(head).empty()) {
         return QStringLiteral("it is not an ESE database");
     }
     if (!are_fields_sound(head)) {

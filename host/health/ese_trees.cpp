@@ -47,13 +47,13 @@ const char* ese_trees::fault_of(quint32 page, quint32 object) const {
         return "it is in use, but the file ends before it";
     }
     const page_note& note = notes.at(static_cast<int>(page) - 1);
-    if (note.has(reached)) {
-        return "two places of the page trees lead to it";
-    }
     if (note.has(unwritten)) {
         return "it is in use, but all zero";
     }
-    return note.object != object && !note.has(damaged) ? "it is in use, but belongs to another tree" : nullptr;
+    if (note.object != object && !note.has(damaged)) {
+        return "it is in use, but belongs to another tree";
+    }
+    return note.has(reached) ? "two places of the page trees lead to it" : nullptr;
 }
 
 void ese_trees::collect_children(quint32 page, QVector<quint32>& into) const {
