@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr int header_fields = 512; // the checksum lies at 508
 constexpr qint64 header_size = 0x1000;
 constexpr int block_header_size = 0x20;
 constexpr int signature_size = 2; // of the root key

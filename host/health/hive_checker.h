@@ -27,7 +27,7 @@ private:
     // What is waited for: so many bytes from an offset, always ahead.
     step waiting_for = step::header;
     qint64 wanted_at = 0;
-    int wanted_size = 512; // the header's fields and its checksum
+    int wanted_size = 512; // the fields of the header; its checksum lies at 508
     QByteArray gathered;
 
     QByteArray header;
