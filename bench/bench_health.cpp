@@ -86,11 +86,12 @@ void measure(const char* path) {
         std::printf("  no ESE database: %s\n", qPrintable(result.problem));
         return;
     }
-    std::printf("  %lld pages of %u bytes, %lld damaged, %lld unwritten\n", result.ese->pages, result.ese->page_size,
-                result.ese->damaged_pages, result.ese->unwritten_pages);
+    const auto number = [](qint64 count) { return static_cast<long long>(count); };
+    std::printf("  %lld pages of %u bytes, %lld damaged, %lld unwritten\n", number(result.ese->pages),
+                result.ese->page_size, number(result.ese->damaged_pages), number(result.ese->unwritten_pages));
     for (const table_health& table : qAsConst(result.ese->tables)) {
-        std::printf("  %s: %lld rows, %lld long value entries\n", qPrintable(table.name), table.rows,
-                    table.long_value_entries);
+        std::printf("  %s: %lld rows, %lld long value entries\n", qPrintable(table.name), number(table.rows),
+                    number(table.long_value_entries));
     }
 }
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 // The header and its copy lie within so many bytes, whatever the page size.
-constexpr std::size_t ese_largest_head = 2 * 32768;
+constexpr std::size_t ese_largest_head = 65536;
 
 struct ese_header {
     QString problem;      // why libesedb refuses the file; empty: it does not

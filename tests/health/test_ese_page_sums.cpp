@@ -80,6 +80,9 @@ private Q_SLOTS:
             QCOMPARE(judge_ese_page_sum(page, 301), ese_page_sum::of_another_page);
             page[size - 1] = static_cast<char>(page[size - 1] ^ 1);
             QCOMPARE(judge_ese_page_sum(page, 300), ese_page_sum::wrong);
+            put_le<std::uint32_t>(&page[4], 0);
+            put_le(&page[0], ese_header_checksum(page));
+            QCOMPARE(judge_ese_page_sum(page, 300), ese_page_sum::wrong);
         }
     }
 };

@@ -63,10 +63,13 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray hive = file.readAll();
         const int root = get_le<qint32>(hive.constData() + 36) + 0x1004;
+        QByteArray long_cell = hive;
+        put(long_cell, 0x1020, 0x3000); // longer than its block
         const QString block = QStringLiteral("a block of the registry hive is damaged or missing");
         for (const auto& [bytes, problem] :
              {std::pair(hive, QString()), std::pair(changed(hive, 0x2021), block),
               std::pair(hive.left(hive.size() - 1), block), std::pair(hive.left(0x2000), block),
+              std::pair(long_cell, block),
               std::pair(changed(hive, root), QStringLiteral("the root key of the registry hive is damaged"))}) {
             for (const int chunk : {1, 3, 511, 4096, 4097, 1 << 20}) {
                 const file_health health = checked(registry_hive_checker(), bytes, chunk);
