@@ -2,7 +2,7 @@
 // Files are opened without waiting and without following a last link.
 #include "host/health/evidence_files.h"
 
-#include "host/health/evidence_headers.h"
+#include "host/health/file_checker.h"
 #include "source/folder_listing.h"
 #include "source/native_names.h"
 #include "source/quiet_open.h"
@@ -18,24 +18,29 @@ namespace {
 
 constexpr int for_reading = O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC;
 
-void judge(const QByteArray& file, evidence_kind kind, const quiet_file& opened, health_report& report) {
-    int failed = 0; // errno of the last read that failed
-    const byte_reader read = [&](qint64 offset, qint64 count) {
-        QByteArray bytes(static_cast<int>(count), '\0');
-        const qint64 got = opened.read(bytes.data(), count, offset);
-        failed = errno != 0 ? errno : failed;
-        bytes.truncate(static_cast<int>(got));
-        return bytes;
-    };
-    const qint64 size = opened.size();
-    const header_verdict verdict =
-        kind == evidence_kind::ese_database ? judge_ese_database(read, size) : judge_registry_hive(read, size);
-    if (failed != 0) {
-        report.add_problem(shown_path(file), error_words(failed));
-    } else if (!verdict.problem.isEmpty()) {
-        report.add_problem(shown_path(file), verdict.problem);
-    } else if (!verdict.note.isEmpty()) {
-        report.add_note(shown_path(file), verdict.note);
+// The file's verdict after its bytes have gone by once, or why they could not all be read. Cancelled: neither.
+void judge(const QByteArray& file, file_checker& checker, const quiet_file& opened, evidence_paths& paths,
+           const std::function<bool()>& cancelled) {
+    constexpr qint64 chunk_size = 1 << 20;
+    QByteArray chunk(static_cast<int>(chunk_size), Qt::Uninitialized);
+    qint64 got = 0;
+    for (qint64 offset = 0; (got = opened.read(chunk.data(), chunk_size, offset)) > 0 && errno == 0; offset += got) {
+        checker.take(chunk.constData(), got);
+        if (cancelled()) {
+            return;
+        }
+    }
+    if (errno != 0) {
+        paths.report().add_problem(shown_path(file), error_words(errno));
+        return;
+    }
+    const file_health found = checker.finish();
+    const QStringList first = found.problem.isEmpty() ? QStringList() : QStringList(found.problem);
+    for (const QString& problem : first + found.problems) {
+        paths.report().add_problem(shown_path(file), problem);
+    }
+    for (const QString& note : found.notes) {
+        paths.report().add_note(shown_path(file), note);
     }
 }
 
@@ -71,7 +76,8 @@ void check_tree_entry(const QByteArray& entry, QVector<QByteArray>& folders, evi
 
 } // namespace
 
-void check_evidence_file(const QByteArray& file, evidence_kind kind, evidence_paths& paths) {
+void check_evidence_file(const QByteArray& file, evidence_kind kind, evidence_paths& paths,
+                         const std::function<bool()>& cancelled) {
     const reached_path reached = paths.follow(file);
     if (!reached.there) {
         return;
@@ -86,7 +92,8 @@ void check_evidence_file(const QByteArray& file, evidence_kind kind, evidence_pa
     } else if (opened.size() < 0) { // it was exchanged meanwhile
         paths.report().add_problem(shown_path(file), QStringLiteral("it is not a regular file"));
     } else {
-        judge(file, kind, opened, paths.report());
+        const auto checker = kind == evidence_kind::ese_database ? ese_database_checker() : registry_hive_checker();
+        judge(file, *checker, opened, paths, cancelled);
     }
 }
 

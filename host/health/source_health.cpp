@@ -131,6 +131,6 @@ void source_health::check_place(const QByteArray& folder, const evidence_place& 
     if (wanted.kind == evidence_kind::folder_tree) {
         check_evidence_tree(path, paths, is_cancelled);
     } else {
-        check_evidence_file(path, wanted.kind, paths);
+        check_evidence_file(path, wanted.kind, paths, is_cancelled);
     }
 }

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+// Hives in chunks of any size, and what their logs hold. The kinds of damage to a hive are told in the test of the look
+// over the evidence.
+#include "checked_file.h"
+#include "host/health/hive_log_state.h"
+#include "samples/sample_source.h"
+
+#include <QtTest>
+
+namespace {
+
+constexpr int sector = 512;
+
+void put(QByteArray& bytes, int offset, quint32 number) {
+    put_le(bytes.data() + offset, number);
+}
+
+// The first sector of a hive or log with its checksum.
+QByteArray base_block(quint32 type, quint32 primary, quint32 secondary, quint64 written = 77) {
+    QByteArray block(sector, '\0');
+    block.replace(0, 4, "regf");
+    put(block, 4, primary);
+    put(block, 8, secondary);
+    put_le(block.data() + 12, written);
+    put(block, 20, 1);
+    put(block, 28, type);
+    put(block, 44, 1);
+    quint32 sum = 0;
+    for (int offset = 0; offset < 508; offset += 4) {
+        sum ^= get_le<quint32>(block.constData() + offset);
+    }
+    put(block, 508, sum);
+    return block;
+}
+
+QByteArray entries(const QVector<quint32>& numbers) {
+    QByteArray all;
+    for (const quint32 number : numbers) {
+        QByteArray entry(2 * sector, '\0');
+        entry.replace(0, 4, "HvLE");
+        put(entry, 4, 2 * sector);
+        put(entry, 12, number);
+        all += entry;
+    }
+    return all;
+}
+
+QByteArray changed(QByteArray bytes, int offset) {
+    bytes[offset] = static_cast<char>(bytes[offset] ^ 1);
+    return bytes;
+}
+
+} // namespace
+
+class test_hive_health : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void chunks_do_not_matter() {
+        const QTemporaryDir folder;
+        QVERIFY(write_sample_hive({folder.path() + QLatin1Char('/'), QStringLiteral("anna"), 0}));
+        QFile file(folder.filePath(QStringLiteral("Users/anna/NTUSER.DAT")));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray hive = file.readAll();
+        const int root = get_le<qint32>(hive.constData() + 36) + 0x1004;
+        QByteArray long_cell = hive;
+        put(long_cell, 0x1020, 0x3000); // longer than its block
+        const QString block = QStringLiteral("a block of the registry hive is damaged or missing");
+        for (const auto& [bytes, problem] :
+             {std::pair(hive, QString()), std::pair(changed(hive, 0x2021), block),
+              std::pair(hive.left(hive.size() - 1), block), std::pair(hive.left(0x2000), block),
+              std::pair(long_cell, block),
+              std::pair(changed(hive, root), QStringLiteral("the root key of the registry hive is damaged"))}) {
+            for (const int chunk : {1, 3, 511, 4096, 4097, 1 << 20}) {
+                const file_health health = checked(registry_hive_checker(), bytes, chunk);
+                QCOMPARE(health.problem, problem);
+                QCOMPARE(health.size, qint64{bytes.size()});
+                QCOMPARE(health.hive->bins_size, qint64{hive.size()} - 0x1000);
+            }
+        }
+    }
+
+    void facts() {
+        constexpr quint64 new_year_2020 = 132223104000000000;
+        const file_health health = checked(registry_hive_checker(), base_block(0, 12, 11, new_year_2020 + 1230000));
+        QCOMPARE(health.hive->primary_sequence, 12U);
+        QCOMPARE(health.hive->secondary_sequence, 11U);
+        QCOMPARE(health.hive->last_written, QStringLiteral("2020-01-01T00:00:00.123Z"));
+        QCOMPARE(health.problem, QStringLiteral("the registry hive is cut off"));
+    }
+
+    void logs_data() {
+        QTest::addColumn<QByteArray>("hive");
+        QTest::addColumn<QByteArray>("log");
+        QTest::addColumn<int>("newer");
+        QTest::addColumn<quint32>("last");
+        QTest::addColumn<bool>("is_sound");
+        const auto add = [](const char* name, const QByteArray& hive, const QByteArray& log, int newer, quint32 last,
+                            bool is_sound = true) { QTest::newRow(name) << hive << log << newer << last << is_sound; };
+        const QByteArray unfinished = base_block(0, 12, 11);
+        const QByteArray newer = base_block(6, 11, 11);
+        add("three entries", unfinished, newer + entries({11, 12, 13}), 3, 13);
+        add("one applied long ago", unfinished, newer + entries({10, 11, 12}), 2, 12);
+        add("a gap", unfinished, newer + entries({11, 13, 14}), 1, 11);
+        add("older ones behind", unfinished, newer + entries({11, 12, 7}), 2, 12);
+        add("below the hive's number", base_block(0, 14, 13), newer + entries({11, 12, 13}), 1, 13);
+        add("damaged hive header", changed(base_block(0, 14, 13), 40), newer + entries({11, 12, 13}), 3, 13);
+        add("finished hive", base_block(0, 11, 11), newer + entries({11, 12}), 0, 0);
+        add("cut in an entry", unfinished, (newer + entries({11, 12})).left(sector * 4), 1, 11);
+        add("impossible size of an entry", unfinished, newer + changed(entries({11}), 4), 0, 0);
+        add("damaged log header", unfinished, changed(newer, 40) + entries({11, 12}), 0, 0, false);
+        add("hive for a log", unfinished, unfinished + entries({11}), 0, 0, false);
+        add("empty", unfinished, QByteArray(), 0, 0, false);
+        const QByteArray older = base_block(1, 12, 12);
+        const QByteArray dirt = QByteArray("DIRT") + QByteArray(sector, '\x01');
+        add("older kind", unfinished, older + dirt, 1, 12);
+        add("older kind of another time", unfinished, base_block(1, 12, 12, 78) + dirt, 0, 0);
+        add("older kind, unfinished itself", unfinished, base_block(2, 12, 11) + dirt, 0, 0);
+        add("older kind without pages", unfinished, older + QByteArray(sector, '\0'), 0, 0);
+    }
+    void logs() {
+        QFETCH(QByteArray, hive);
+        QFETCH(QByteArray, log);
+        QFETCH(int, newer);
+        QFETCH(quint32, last);
+        QFETCH(bool, is_sound);
+        const auto read = [&](qint64 offset, qint64 size) {
+            return log.mid(static_cast<int>(offset), static_cast<int>(size));
+        };
+        const hive_log_state state =
+            judge_hive_log({hive.constData(), static_cast<std::size_t>(hive.size())}, read, log.size());
+        QCOMPARE(state.newer_entries, newer);
+        QCOMPARE(state.last_entry, last);
+        QCOMPARE(state.first_entry, newer == 0 ? 0 : last - static_cast<quint32>(newer) + 1);
+        QCOMPARE(state.is_sound, is_sound);
+    }
+};
+
+QTEST_GUILESS_MAIN(test_hive_health)
+#include "test_hive_health.moc"
