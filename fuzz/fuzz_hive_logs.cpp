@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Any logs are applied to any hive without harm: memory stays in proportion, a consistent hive stays one, what was not
 // applied leaves no trace. An input is a byte of flags, the lengths of two logs in two bytes each, the logs, the hive.
-#include "host/evidence_headers.h"
+#include "host/health/file_checker.h"
 #include "host/intake/hive_base_block.h"
 #include "host/intake/hive_logs.h"
 #include "samples/hive_log_writer.h"
@@ -18,10 +18,9 @@ void require(bool holds) {
 }
 
 bool is_consistent(const QByteArray& hive) {
-    const auto read = [&hive](qint64 offset, qint64 size) {
-        return hive.mid(static_cast<int>(qMin<qint64>(offset, hive.size())), static_cast<int>(size));
-    };
-    return judge_registry_hive(read, hive.size()).problem.isEmpty();
+    const auto checker = registry_hive_checker();
+    checker->take(hive.constData(), hive.size());
+    return checker->finish().problem.isEmpty();
 }
 
 // With the flag set the checksum and hashes are made right, so that what lies behind them is reached.

@@ -34,6 +34,8 @@ public:
     quiet_file& operator=(const quiet_file&) = delete;
 
     bool is_open() const { return handle >= 0; }
+    // Owned by this object; -1 when it is not open.
+    int descriptor() const { return handle; }
     // Bytes of a regular file; -1 for anything else.
     qint64 size() const {
         struct stat status = {};

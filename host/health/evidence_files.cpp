@@ -3,11 +3,13 @@
 #include "host/health/evidence_files.h"
 
 #include "host/health/file_checker.h"
+#include "host/health/sha256.h"
 #include "source/folder_listing.h"
 #include "source/native_names.h"
 #include "source/quiet_open.h"
 #include "source/real_location.h"
 
+#include <QDateTime>
 #include <QVector>
 
 #include <cerrno>
@@ -18,30 +20,69 @@ namespace {
 
 constexpr int for_reading = O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC;
 
-// The file's verdict after its bytes have gone by once, or why they could not all be read. Cancelled: neither.
-void judge(const QByteArray& file, file_checker& checker, const quiet_file& opened, evidence_paths& paths,
-           const std::function<bool()>& cancelled) {
+QString time_text(const statx_timestamp& time) {
+    const QDateTime seconds = QDateTime::fromSecsSinceEpoch(time.tv_sec, Qt::UTC);
+    return seconds.toString(QStringLiteral("yyyy-MM-ddThh:mm:ss")) +
+           QStringLiteral(".%1Z").arg(time.tv_nsec, 9, 10, QLatin1Char('0'));
+}
+
+evidence_record record_of(const QByteArray& file, const quiet_file& opened) {
+    evidence_record record;
+    record.path = shown_path(file);
+    record.kind = QStringLiteral("file");
+    record.size = opened.size();
+    struct statx status = {};
+    if (::statx(opened.descriptor(), "", AT_EMPTY_PATH, STATX_BASIC_STATS | STATX_BTIME, &status) == 0) {
+        record.modified = time_text(status.stx_mtime);
+        record.accessed = time_text(status.stx_atime);
+        record.changed = time_text(status.stx_ctime);
+        record.created = (status.stx_mask & STATX_BTIME) != 0 ? time_text(status.stx_btime) : QString();
+    }
+    return record;
+}
+
+// Hands the file's bytes to the digest and to take, once each. False when cancelled or when a read failed; the latter
+// is reported.
+bool read_through(const quiet_file& opened, evidence_record& record, evidence_paths& paths,
+                  const std::function<bool()>& cancelled, const std::function<void(const char*, qint64)>& take) {
     constexpr qint64 chunk_size = 1 << 20;
-    QByteArray chunk(static_cast<int>(chunk_size), Qt::Uninitialized);
+    static QByteArray chunk(static_cast<int>(chunk_size), Qt::Uninitialized);
+    sha256 digest;
     qint64 got = 0;
     for (qint64 offset = 0; (got = opened.read(chunk.data(), chunk_size, offset)) > 0 && errno == 0; offset += got) {
-        checker.take(chunk.constData(), got);
+        digest.take(chunk.constData(), got);
+        take(chunk.constData(), got);
         if (cancelled()) {
-            return;
+            return false;
         }
     }
     if (errno != 0) {
-        paths.report().add_problem(shown_path(file), error_words(errno));
-        return;
+        paths.report().add_problem(record.path, error_words(errno));
+        return false;
     }
-    const file_health found = checker.finish();
+    record.sha256 = digest.finish();
+    return true;
+}
+
+// The file's verdict after its bytes have gone by once.
+void judge(const QByteArray& file, evidence_kind kind, const quiet_file& opened, evidence_paths& paths,
+           const std::function<bool()>& cancelled) {
+    const auto checker = kind == evidence_kind::ese_database ? ese_database_checker() : registry_hive_checker();
+    evidence_record record = record_of(file, opened);
+    if (read_through(opened, record, paths, cancelled,
+                     [&](const char* bytes, qint64 size) { checker->take(bytes, size); })) {
+        record.health = checker->finish();
+        record.kind = record.health.kind;
+    }
+    const file_health& found = record.health;
     const QStringList first = found.problem.isEmpty() ? QStringList() : QStringList(found.problem);
     for (const QString& problem : first + found.problems) {
-        paths.report().add_problem(shown_path(file), problem);
+        paths.report().add_problem(record.path, problem);
     }
     for (const QString& note : found.notes) {
-        paths.report().add_note(shown_path(file), note);
+        paths.report().add_note(record.path, note);
     }
+    paths.record(record);
 }
 
 void check_tree_link(const QByteArray& link, evidence_paths& paths) {
@@ -56,7 +97,19 @@ void check_tree_link(const QByteArray& link, evidence_paths& paths) {
     }
 }
 
-void check_tree_entry(const QByteArray& entry, QVector<QByteArray>& folders, evidence_paths& paths) {
+void check_tree_file(const QByteArray& file, evidence_paths& paths, const std::function<bool()>& cancelled) {
+    const quiet_file opened(file, for_reading);
+    if (!opened.is_open()) {
+        paths.report().add_problem(shown_path(file), error_words(errno));
+        return;
+    }
+    evidence_record record = record_of(file, opened);
+    read_through(opened, record, paths, cancelled, [](const char*, qint64) {});
+    paths.record(record);
+}
+
+void check_tree_entry(const QByteArray& entry, QVector<QByteArray>& folders, evidence_paths& paths,
+                      const std::function<bool()>& cancelled) {
     struct stat status = {};
     if (::lstat(entry.constData(), &status) != 0) {
         paths.report().add_problem(shown_path(entry), error_words(errno));
@@ -67,10 +120,7 @@ void check_tree_entry(const QByteArray& entry, QVector<QByteArray>& folders, evi
     } else if (!S_ISREG(status.st_mode)) {
         paths.report().add_note(shown_path(entry), QStringLiteral("it is not a regular file; passed over"));
     } else {
-        const quiet_file opened(entry, for_reading);
-        if (!opened.is_open()) {
-            paths.report().add_problem(shown_path(entry), error_words(errno));
-        }
+        check_tree_file(entry, paths, cancelled);
     }
 }
 
@@ -92,8 +142,7 @@ void check_evidence_file(const QByteArray& file, evidence_kind kind, evidence_pa
     } else if (opened.size() < 0) { // it was exchanged meanwhile
         paths.report().add_problem(shown_path(file), QStringLiteral("it is not a regular file"));
     } else {
-        const auto checker = kind == evidence_kind::ese_database ? ese_database_checker() : registry_hive_checker();
-        judge(file, *checker, opened, paths, cancelled);
+        judge(file, kind, opened, paths, cancelled);
     }
 }
 
@@ -117,7 +166,7 @@ void check_evidence_tree(const QByteArray& top, evidence_paths& paths, const std
             if (cancelled()) {
                 return;
             }
-            check_tree_entry(folder + '/' + name, folders, paths);
+            check_tree_entry(folder + '/' + name, folders, paths, cancelled);
         }
     }
 }

@@ -3,12 +3,14 @@
 // be used. The third is reported, once for each path.
 #pragma once
 
+#include "host/health/evidence_record.h"
 #include "host/health/health_report.h"
 
 #include <QByteArray>
 #include <QHash>
 
 #include <sys/types.h>
+#include <utility>
 
 struct reached_path {
     bool there = false; // something usable is there
@@ -19,7 +21,9 @@ struct reached_path {
 class evidence_paths {
 public:
     // root: real location of the source. Both outlive this object.
-    evidence_paths(const QByteArray& root, health_report& report) : source_root(root), findings(report) {}
+    // sink: hears of the files that are read.
+    evidence_paths(const QByteArray& root, health_report& report, record_sink sink)
+        : source_root(root), findings(report), told(std::move(sink)) {}
 
     // What is at the path. Reported: a link that leads nowhere or out of the source, an error of the file system, and
     // a name that differs from the wanted one in upper and lower case only (the plugin would not find it).
@@ -31,6 +35,7 @@ public:
 
     const QByteArray& root() const { return source_root; }
     health_report& report() { return findings; }
+    void record(const evidence_record& record) const { told(record); }
 
 private:
     bool look_into(const QByteArray& folder);
@@ -38,5 +43,6 @@ private:
 
     const QByteArray& source_root;
     health_report& findings;
+    record_sink told;
     QHash<QByteArray, bool> entered;
 };

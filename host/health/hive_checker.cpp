@@ -7,6 +7,8 @@
 
 #include <QDateTime>
 
+#include <limits>
+
 namespace {
 
 constexpr qint64 header_size = 0x1000;
@@ -31,6 +33,9 @@ QString header_problem(const QByteArray& header, qint64 file_size) {
     }
     if (!header.startsWith("regf")) {
         return QStringLiteral("it is not a registry hive");
+    }
+    if (file_size > std::numeric_limits<int>::max()) {
+        return QStringLiteral("it is larger than the 2 GiB that are read of a registry hive");
     }
     if (file_size < 2 * header_size) {
         return QStringLiteral("the registry hive is cut off");

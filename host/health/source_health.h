@@ -16,10 +16,12 @@
 class source_health {
 public:
     // root: real location of the source. tables: the selected ones; what no selected table comes from is not looked
-    // at. cancelled: asked often; when it says so, a check stops unfinished. All but tables outlive this object.
-    source_health(const QByteArray& root, const QStringList& tables, const std::function<bool()>& cancelled,
-                  health_report& report)
-        : paths(root, report), selected(tables), is_cancelled(cancelled) {}
+    // at. cancelled: asked often; when it says so, a check stops unfinished. sink: hears of each file that is read. All
+    // but tables and sink outlive this object.
+    source_health(
+        const QByteArray& root, const QStringList& tables, const std::function<bool()>& cancelled,
+        health_report& report, const record_sink& sink = [](const evidence_record&) {})
+        : paths(root, report, sink), selected(tables), is_cancelled(cancelled) {}
 
     // The profile folders of Users/ in byte order, without Public, Default, Default User and All Users. Folders that
     // are links (on Windows, junctions) are left out with a note; a name that cannot be passed on is a problem.

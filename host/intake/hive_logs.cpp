@@ -2,7 +2,7 @@
 // Takes the logs apart by their formats, and judges whether the outcome can be trusted.
 #include "host/intake/hive_logs.h"
 
-#include "host/health/evidence_headers.h"
+#include "host/health/file_checker.h"
 #include "host/intake/hive_dirty_log.h"
 #include "host/intake/hive_log_entries.h"
 #include "host/intake/hive_log_replay.h"
@@ -10,11 +10,9 @@
 namespace {
 
 QString problem_of(const QByteArray& hive) {
-    const auto read = [&hive](qint64 offset, qint64 size) {
-        const qint64 there = qBound(qint64{0}, hive.size() - offset, size);
-        return there == 0 ? QByteArray() : QByteArray::fromRawData(hive.constData() + offset, static_cast<int>(there));
-    };
-    return judge_registry_hive(read, hive.size()).problem;
+    const auto checker = registry_hive_checker();
+    checker->take(hive.constData(), hive.size());
+    return checker->finish().problem;
 }
 
 // A hive that can be opened must not turn into one that is not worth opening.

@@ -79,12 +79,18 @@ sandbox_state confine(const worker_request& request) {
     return confine_process(plan);
 }
 
-worker_message check(const worker_request& request) {
+worker_message check(const worker_request& request, const message_pipe& pipe) {
     worker_message message;
     message.what = worker_message::checked;
     const QByteArray root = real_location(QFile::encodeName(request.source_root));
     const std::function<bool()> cancelled = is_cancelled;
-    source_health health(root, request.checked_tables, cancelled, message.health);
+    const auto pass_on = [&](const evidence_record& record) {
+        worker_message seen;
+        seen.what = worker_message::evidence;
+        seen.record = record;
+        pipe.send(seen);
+    };
+    source_health health(root, request.checked_tables, cancelled, message.health, pass_on);
     for (const system_account& account : request.accounts) {
         health.check_account(account);
     }
@@ -110,7 +116,7 @@ private:
 
 int work(const worker_request& request, const message_pipe& pipe) {
     if (request.check) {
-        pipe.send(check(request));
+        pipe.send(check(request, pipe));
     }
     if (!request.tables.isEmpty()) {
         const plugin_library library = load_plugin_library(request.library);

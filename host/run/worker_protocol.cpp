@@ -3,6 +3,7 @@
 #include "host/run/worker_protocol.h"
 
 #include "contract/result_layout.h"
+#include "host/record/evidence_json.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -13,7 +14,8 @@
 
 namespace {
 
-constexpr const char* kind_names[] = {"unknown", "confined", "checked", "rows", "step_done", "failed", "ended"};
+constexpr const char* kind_names[] = {"unknown", "confined",  "evidence", "checked",
+                                      "rows",    "step_done", "failed",   "ended"};
 
 QString key(const char* name) {
     return QLatin1String(name);
@@ -148,6 +150,9 @@ QByteArray to_line(const worker_message& message) {
     case worker_message::confined:
         object.insert(key("sandbox"), to_json(message.sandbox));
         break;
+    case worker_message::evidence:
+        object.insert(key("record"), to_json(message.record));
+        break;
     case worker_message::checked:
         object.insert(key("health"), to_json(message.health));
         break;
@@ -177,6 +182,7 @@ worker_message message_from(const QByteArray& line) {
     message.number = count_in(object, "number");
     message.text = object[key("text")].toString();
     message.sandbox = sandbox_from(object[key("sandbox")].toObject());
+    message.record = evidence_from(object[key("record")].toObject());
     message.health = health_from(object[key("health")].toObject());
     return message;
 }

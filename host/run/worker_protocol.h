@@ -40,6 +40,7 @@ struct worker_message {
     enum kind {
         unknown,
         confined,  // sandbox
+        evidence,  // record: a file that was looked at
         checked,   // health
         rows,      // number: rows so far
         step_done, // number: steps done so far
@@ -50,6 +51,7 @@ struct worker_message {
     qint64 number = 0;
     QString text;
     sandbox_state sandbox;
+    evidence_record record;
     health_report health;
 };
 

@@ -2,7 +2,6 @@
 // Hives in chunks of any size, and what their logs hold. The kinds of damage to a hive are told in the test of the look
 // over the evidence.
 #include "checked_file.h"
-#include "host/health/hive_log_state.h"
 #include "samples/sample_source.h"
 
 #include <QtTest>
@@ -87,52 +86,6 @@ private Q_SLOTS:
         QCOMPARE(health.hive->secondary_sequence, 11U);
         QCOMPARE(health.hive->last_written, QStringLiteral("2020-01-01T00:00:00.123Z"));
         QCOMPARE(health.problem, QStringLiteral("the registry hive is cut off"));
-    }
-
-    void logs_data() {
-        QTest::addColumn<QByteArray>("hive");
-        QTest::addColumn<QByteArray>("log");
-        QTest::addColumn<int>("newer");
-        QTest::addColumn<quint32>("last");
-        QTest::addColumn<bool>("is_sound");
-        const auto add = [](const char* name, const QByteArray& hive, const QByteArray& log, int newer, quint32 last,
-                            bool is_sound = true) { QTest::newRow(name) << hive << log << newer << last << is_sound; };
-        const QByteArray unfinished = base_block(0, 12, 11);
-        const QByteArray newer = base_block(6, 11, 11);
-        add("three entries", unfinished, newer + entries({11, 12, 13}), 3, 13);
-        add("one applied long ago", unfinished, newer + entries({10, 11, 12}), 2, 12);
-        add("a gap", unfinished, newer + entries({11, 13, 14}), 1, 11);
-        add("older ones behind", unfinished, newer + entries({11, 12, 7}), 2, 12);
-        add("below the hive's number", base_block(0, 14, 13), newer + entries({11, 12, 13}), 1, 13);
-        add("damaged hive header", changed(base_block(0, 14, 13), 40), newer + entries({11, 12, 13}), 3, 13);
-        add("finished hive", base_block(0, 11, 11), newer + entries({11, 12}), 0, 0);
-        add("cut in an entry", unfinished, (newer + entries({11, 12})).left(sector * 4), 1, 11);
-        add("impossible size of an entry", unfinished, newer + changed(entries({11}), 4), 0, 0);
-        add("damaged log header", unfinished, changed(newer, 40) + entries({11, 12}), 0, 0, false);
-        add("hive for a log", unfinished, unfinished + entries({11}), 0, 0, false);
-        add("empty", unfinished, QByteArray(), 0, 0, false);
-        const QByteArray older = base_block(1, 12, 12);
-        const QByteArray dirt = QByteArray("DIRT") + QByteArray(sector, '\x01');
-        add("older kind", unfinished, older + dirt, 1, 12);
-        add("older kind of another time", unfinished, base_block(1, 12, 12, 78) + dirt, 0, 0);
-        add("older kind, unfinished itself", unfinished, base_block(2, 12, 11) + dirt, 0, 0);
-        add("older kind without pages", unfinished, older + QByteArray(sector, '\0'), 0, 0);
-    }
-    void logs() {
-        QFETCH(QByteArray, hive);
-        QFETCH(QByteArray, log);
-        QFETCH(int, newer);
-        QFETCH(quint32, last);
-        QFETCH(bool, is_sound);
-        const auto read = [&](qint64 offset, qint64 size) {
-            return log.mid(static_cast<int>(offset), static_cast<int>(size));
-        };
-        const hive_log_state state =
-            judge_hive_log({hive.constData(), static_cast<std::size_t>(hive.size())}, read, log.size());
-        QCOMPARE(state.newer_entries, newer);
-        QCOMPARE(state.last_entry, last);
-        QCOMPARE(state.first_entry, newer == 0 ? 0 : last - static_cast<quint32>(newer) + 1);
-        QCOMPARE(state.is_sound, is_sound);
     }
 };
 
