@@ -159,7 +159,10 @@ private Q_SLOTS:
             const pid_t parent = ::getpid();
             if (::fork() == 0) {
                 const bool is_set = die_with_parent(parent);
-                ::write(alive[1], is_set ? "y" : "n", 1) == 1 && ::pause() == 0;
+                if (::write(alive[1], is_set ? "y" : "n", 1) == 1) {
+                    ::pause();
+                }
+                ::_exit(0);
             }
             char answer = 0;
             return ::read(alive[0], &answer, 1) == 1 && answer == 'y';
