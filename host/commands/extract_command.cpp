@@ -8,6 +8,7 @@
 #include "host/run/cancellation.h"
 #include "host/run/plugin_library.h"
 #include "host/run/run_lock.h"
+#include "host/run/run_record.h"
 #include "host/run/supervisor.h"
 #include "source/native_names.h"
 #include "source/real_location.h"
@@ -15,6 +16,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QJsonDocument>
 
 #include <cerrno>
 #include <sys/stat.h>
@@ -107,7 +109,7 @@ int report(const run_summary& summary, const extract_options& options) {
     }
     bool printed = true;
     if (options.json) {
-        printed = print(summary_json(summary));
+        printed = print(QJsonDocument(summary_object(summary)).toJson(QJsonDocument::Indented));
     } else if (!options.quiet) {
         printed = print(summary_table(summary));
     }
@@ -141,6 +143,7 @@ QList<system_account> choose_profiles(const extract_options& options, source_hea
 int run_extract_command(const extract_options& options) {
     QElapsedTimer elapsed;
     elapsed.start();
+    const QDateTime started = QDateTime::currentDateTimeUtc();
     int code = exit_complete;
     const QByteArray source = find_source(options.source, code);
     if (source.isEmpty()) {
@@ -183,5 +186,12 @@ int run_extract_command(const extract_options& options) {
     }
     summary.signal = cancel_signal();
     summary.milliseconds = elapsed.elapsed();
-    return summary.fault.isEmpty() ? report(summary, options) : refuse(exit_internal, summary.fault);
+    if (!summary.fault.isEmpty()) {
+        return refuse(exit_internal, summary.fault);
+    }
+    if (!write_run_record(summary, {options.words, started, QDateTime::currentDateTimeUtc(), options.sandbox},
+                          reason)) {
+        summary.add_trouble(reason);
+    }
+    return report(summary, options);
 }

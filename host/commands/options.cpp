@@ -268,6 +268,7 @@ command_line read_extract(const QStringList& arguments) {
     }
     command_line line;
     line.what = command::extract;
+    line.extract.words = arguments.mid(1);
     line.extract.source = parser.positionalArguments().at(1);
     line.extract.result = parser.positionalArguments().at(2);
     const QString refused = read_extract_values(parser, line.extract);

@@ -9,6 +9,7 @@
 #include <QtGlobal>
 
 #include <libesedb.h>
+#include <openssl/crypto.h>
 
 namespace {
 
@@ -25,8 +26,19 @@ QString sqlite_version() {
 
 } // namespace
 
+QJsonObject library_versions() {
+    return {{QStringLiteral("Qt"), QLatin1String(qVersion())},
+            {QStringLiteral("SQLite"), sqlite_version()},
+            {QStringLiteral("libesedb"), QLatin1String(LIBESEDB_VERSION_STRING)},
+            {QStringLiteral("hivex"), QLatin1String(HIVEX_VERSION)},
+            {QStringLiteral("OpenSSL"), QLatin1String(OpenSSL_version(OPENSSL_VERSION_STRING))}};
+}
+
 QString version_text() {
-    return QStringLiteral("cortana %1\nQt %2\nSQLite %3\nlibesedb %4\nhivex %5\n")
-        .arg(QLatin1String(CORTANA_VERSION), QLatin1String(qVersion()), sqlite_version(),
-             QLatin1String(LIBESEDB_VERSION_STRING), QLatin1String(HIVEX_VERSION));
+    QString text = QStringLiteral("cortana %1\n").arg(QLatin1String(CORTANA_VERSION));
+    const QJsonObject libraries = library_versions();
+    for (const char* const name : {"Qt", "SQLite", "libesedb", "hivex", "OpenSSL"}) {
+        text += QStringLiteral("%1 %2\n").arg(QLatin1String(name), libraries[QLatin1String(name)].toString());
+    }
+    return text;
 }

@@ -2,7 +2,11 @@
 // What the program and the libraries it works with are.
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
 
-// One line each; needs the application object.
+// Library -> version. Needs the application object, as the next one does.
+QJsonObject library_versions();
+
+// One line each, the program first.
 QString version_text();

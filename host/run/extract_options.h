@@ -11,6 +11,7 @@
 #include <QStringList>
 
 struct extract_options {
+    QStringList words; // of the command line, without the program's name
     QString source;
     QString result;
     QList<system_account> users; // no profile twice; empty: every profile folder of the source

@@ -6,8 +6,6 @@
 #include "host/exit_codes.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <algorithm>
 
@@ -197,9 +195,9 @@ QString summary_table(const run_summary& summary) {
     return text;
 }
 
-QByteArray summary_json(const run_summary& summary) {
+QJsonObject summary_object(const run_summary& summary) {
     const int code = exit_code_of(summary);
-    const QJsonObject document{
+    return {
         {QStringLiteral("version"), QLatin1String(CORTANA_VERSION)},
         {QStringLiteral("outcome"), outcome_name(code)},
         {QStringLiteral("exit_code"), code},
@@ -224,5 +222,4 @@ QByteArray summary_json(const run_summary& summary) {
         {QStringLiteral("notes"), json_findings(summary.health.notes)},
         {QStringLiteral("output_troubles"), QJsonArray::fromStringList(summary.output_troubles)},
     };
-    return QJsonDocument(document).toJson(QJsonDocument::Indented);
 }

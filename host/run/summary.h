@@ -2,12 +2,14 @@
 // What a run of the program adds up to: its exit code, and the summary as a table for people or as JSON for programs.
 #pragma once
 
+#include "host/health/evidence_record.h"
 #include "host/health/health_report.h"
 #include "host/record/log_findings.h"
 #include "host/run/output_location.h"
 #include "host/run/result_merge.h"
 #include "host/run/sandbox.h"
 
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -29,6 +31,8 @@ struct run_summary {
     added_rows rows;
     qint64 milliseconds = 0;
     health_report health;
+    QVector<evidence_record> evidence; // in the profiles' order
+    qint64 evidence_not_listed = 0;    // files beyond those that a list holds
     log_findings log;
     QVector<step_loss> losses;
     sandbox_state sandbox;       // of the workers
@@ -47,5 +51,5 @@ int exit_code_of(const run_summary& summary);
 
 // Ready to print: names are made printable.
 QString summary_table(const run_summary& summary);
-// One document with the same facts; names as they are.
-QByteArray summary_json(const run_summary& summary);
+// The same facts for programs; names as they are.
+QJsonObject summary_object(const run_summary& summary);

@@ -71,6 +71,7 @@ struct supervisor::profile {
     int ended_runs = 0;     // runs of the plugin that came to their end
     log_findings log;
     health_report health;
+    QVector<evidence_record> evidence;
     std::unique_ptr<worker_process> worker;
 };
 
@@ -105,6 +106,7 @@ void supervisor::run() {
     merge_finished();
     for (const auto& one : profiles) {
         summary.health.add(one->health);
+        summary.evidence += one->evidence;
         for (const system_account& account : qAsConst(one->accounts)) {
             if (one->state == profile::waiting) {
                 summary.not_examined.append(account.system_user);
@@ -175,6 +177,9 @@ void supervisor::take_message(profile& one, const worker_message& message) {
     case worker_message::confined:
         summary.sandbox = message.sandbox;
         break;
+    case worker_message::evidence:
+        take_evidence(one, message.record);
+        return;
     case worker_message::checked:
         one.checked = true;
         one.health = message.health;
@@ -198,6 +203,15 @@ void supervisor::take_message(profile& one, const worker_message& message) {
         break;
     }
     tell_progress(one);
+}
+
+void supervisor::take_evidence(profile& one, const evidence_record& record) {
+    constexpr int most_kept = 100000; // a profile can hold any number of recordings
+    if (one.evidence.size() < most_kept) {
+        one.evidence.append(record);
+    } else {
+        ++summary.evidence_not_listed;
+    }
 }
 
 void supervisor::take_end(profile& one, const worker_loss& loss) {

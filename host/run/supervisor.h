@@ -37,6 +37,7 @@ private:
     worker_request request_for(const profile& one) const;
     void start_worker(profile& one);
     void take_message(profile& one, const worker_message& message);
+    void take_evidence(profile& one, const evidence_record& record);
     void take_end(profile& one, const worker_loss& loss);
     void take_loss(profile& one, const worker_loss& loss);
     void take_findings(profile& one);

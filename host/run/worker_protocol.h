@@ -4,6 +4,7 @@
 #pragma once
 
 #include "contract/host_records.h"
+#include "host/health/evidence_record.h"
 #include "host/health/health_report.h"
 #include "host/run/sandbox.h"
 

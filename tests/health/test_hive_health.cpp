@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Hives in chunks of any size, and what their logs hold. The kinds of damage to a hive are told in the test of the look
+// Hives in chunks of any size. The kinds of damage to a hive are told in the test of the look
 // over the evidence.
 #include "checked_file.h"
 #include "samples/sample_source.h"
@@ -30,18 +30,6 @@ QByteArray base_block(quint32 type, quint32 primary, quint32 secondary, quint64 
     }
     put(block, 508, sum);
     return block;
-}
-
-QByteArray entries(const QVector<quint32>& numbers) {
-    QByteArray all;
-    for (const quint32 number : numbers) {
-        QByteArray entry(2 * sector, '\0');
-        entry.replace(0, 4, "HvLE");
-        put(entry, 4, 2 * sector);
-        put(entry, 12, number);
-        all += entry;
-    }
-    return all;
 }
 
 QByteArray changed(QByteArray bytes, int offset) {
