@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+// Evidence is opened as quietly as when it was read first.
+#include "host/record/verify.h"
+
+#include "host/health/sha256.h"
+#include "source/native_names.h"
+#include "source/quiet_open.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cerrno>
+
+namespace {
+
+// Empty and errno when the file cannot be read.
+QByteArray digest_of(const QString& path) {
+    constexpr qint64 chunk_size = 1 << 20;
+    const quiet_file file(QFile::encodeName(path), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (!file.is_open()) {
+        return {};
+    }
+    if (file.size() < 0) {
+        errno = EINVAL;
+        return {};
+    }
+    QByteArray chunk(static_cast<int>(chunk_size), Qt::Uninitialized);
+    sha256 digest;
+    qint64 got = 0;
+    for (qint64 offset = 0; (got = file.read(chunk.data(), chunk_size, offset)) > 0; offset += got) {
+        digest.take(chunk.constData(), got);
+    }
+    return errno == 0 ? digest.finish() : QByteArray();
+}
+
+QString difference_of(const QString& path, const QJsonObject& recorded) {
+    const QByteArray wanted = recorded[QStringLiteral("sha256")].toString().toLatin1();
+    if (wanted.isEmpty()) {
+        return QStringLiteral("its digest was not recorded");
+    }
+    const QByteArray found = digest_of(path);
+    if (found.isEmpty()) {
+        return QStringLiteral("it cannot be read: ") + error_words(errno);
+    }
+    return found == wanted
+               ? QString()
+               : QStringLiteral("it differs: SHA-256 %1, recorded %2").arg(QLatin1String(found), QLatin1String(wanted));
+}
+
+} // namespace
+
+verification verify_run(const QString& record_file, const QString& source) {
+    verification result;
+    QFile file(record_file);
+    if (!file.open(QIODevice::ReadOnly)) {
+        result.unreadable = file.errorString();
+        return result;
+    }
+    const QJsonObject record = QJsonDocument::fromJson(file.readAll()).object();
+    if (record[QStringLiteral("format")].toInt() != 1) {
+        result.unreadable = QStringLiteral("it is no run record of a known format");
+        return result;
+    }
+    const auto look_at = [&](const QString& path, const QJsonObject& recorded) {
+        result.files.append({path, difference_of(path, recorded)});
+        result.differences += result.files.last().difference.isEmpty() ? 0 : 1;
+    };
+    const QDir folder = QFileInfo(record_file).dir();
+    for (const QJsonValue& written : record[QStringLiteral("written")].toArray()) {
+        const QString path = written[QStringLiteral("path")].toString();
+        const QString beside = folder.filePath(QFileInfo(path).fileName()); // the result may lie elsewhere now
+        look_at(QFile::exists(path) || !QFile::exists(beside) ? path : beside, written.toObject());
+    }
+    const QString recorded_source = record[QStringLiteral("source")].toString();
+    for (const QJsonValue& evidence : record[QStringLiteral("evidence")].toArray()) {
+        const QString path = evidence[QStringLiteral("path")].toString();
+        if (!source.isEmpty()) {
+            const bool is_below = path.startsWith(recorded_source);
+            look_at(is_below ? QDir(source).filePath(path.mid(recorded_source.size())) : path, evidence.toObject());
+        }
+    }
+    return result;
+}
