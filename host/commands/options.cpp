@@ -3,6 +3,7 @@
 #include "host/commands/options.h"
 
 #include "contract/table_names.h"
+#include "host/commands/export_options.h"
 #include "host/nearest_name.h"
 #include "host/run/process_limits.h"
 
@@ -18,6 +19,7 @@ namespace {
 
 const QString help_name = QStringLiteral("help");
 const QString version_name = QStringLiteral("version");
+const QString tables_name = QStringLiteral("tables");
 
 command_line refusal(const QString& reason) {
     command_line refused;
@@ -51,6 +53,8 @@ QString general_help(const QString& program) {
                           "Commands:\n"
                           "  extract SOURCE RESULT  Extracts from the folder SOURCE (it holds Users/) into RESULT.\n"
                           "  rows RESULT            Lists the rows of a result database.\n"
+                          "  export RESULT          Writes the rows in other formats beside the result database.\n"
+                          "  schema                 Tells what the tables and columns hold.\n"
                           "  log FILE               Prints a debug log, deciphering it where it is enciphered.\n"
                           "\n"
                           "Options:\n"
@@ -280,7 +284,6 @@ command_line read_rows(const QStringList& arguments) {
     parser.addPositionalArgument(QStringLiteral("rows"), QStringLiteral("The command."));
     parser.addPositionalArgument(QStringLiteral("RESULT"), QStringLiteral("The result folder, or the SQLite file."));
     add_common_options(parser);
-    const QString tables_name = QStringLiteral("tables");
     parser.addOption(
         {tables_name, QStringLiteral("Lists these result tables only, separated by commas."), QStringLiteral("NAMES")});
     if (const auto settled = settle_words(parser, arguments, 1, "rows takes one folder, RESULT")) {
@@ -295,6 +298,40 @@ command_line read_rows(const QStringList& arguments) {
     }
     const QString refused = read_tables(parser.value(tables_name), line.rows.tables);
     return refused.isEmpty() ? line : refusal(refused);
+}
+
+command_line read_export(const QStringList& arguments) {
+    QCommandLineParser parser;
+    describe_export(parser);
+    add_common_options(parser);
+    if (const auto settled = settle_words(parser, arguments, 1, "export takes one folder, RESULT", export_examples)) {
+        return *settled;
+    }
+    command_line line;
+    line.what = command::export_tables;
+    line.exports.result = parser.positionalArguments().at(1);
+    QString refused = read_export_values(parser, line.exports);
+    line.exports.tables = parser.isSet(tables_name) ? QStringList() : result_table_names();
+    if (refused.isEmpty() && parser.isSet(tables_name)) {
+        refused = read_tables(parser.value(tables_name), line.exports.tables);
+    }
+    return refused.isEmpty() ? line : refusal(refused);
+}
+
+command_line read_schema(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Tells what the tables and columns of a result database hold."));
+    parser.addPositionalArgument(QStringLiteral("schema"), QStringLiteral("The command."));
+    add_common_options(parser);
+    const QString json_name = QStringLiteral("json");
+    parser.addOption({json_name, QStringLiteral("Prints one JSON document instead of Markdown.")});
+    if (const auto settled = settle_words(parser, arguments, 0, "schema takes no arguments")) {
+        return *settled;
+    }
+    command_line line;
+    line.what = command::schema;
+    line.schema_as_json = parser.isSet(json_name);
+    return line;
 }
 
 command_line read_log(const QStringList& arguments) {
@@ -334,12 +371,12 @@ command_line read_command_line(const QStringList& arguments) {
         return versions();
     }
     if (words.isEmpty()) {
-        return refusal(QStringLiteral("a command is missing: extract, rows or log"));
+        return refusal(QStringLiteral("a command is missing: extract, rows, export, schema or log"));
     }
     const QMap<QString, command_line (*)(const QStringList&)> commands{
-        {QStringLiteral("extract"), read_extract},
-        {QStringLiteral("log"), read_log},
-        {QStringLiteral("rows"), read_rows},
+        {QStringLiteral("export"), read_export}, {QStringLiteral("extract"), read_extract},
+        {QStringLiteral("log"), read_log},       {QStringLiteral("rows"), read_rows},
+        {QStringLiteral("schema"), read_schema},
     };
     if (!commands.contains(words.first())) {
         return refusal(QStringLiteral("there is no command '%1'; did you mean '%2'?")

@@ -2,19 +2,22 @@
 // The command line, read into plain values. Nothing is printed and nothing is looked up on disk here.
 #pragma once
 
+#include "host/commands/export_command.h"
 #include "host/commands/rows_command.h"
 #include "host/run/extract_options.h"
 
 #include <QString>
 #include <QStringList>
 
-enum class command { extract, log, rows, version, help, refused };
+enum class command { extract, log, rows, export_tables, schema, version, help, refused };
 
 struct command_line {
     command what = command::refused;
     extract_options extract;
     QString log_file; // of the command log
     rows_options rows;
+    export_options exports;
+    bool schema_as_json = false;
     QString text; // the help text, or why the command line is refused
 };
 

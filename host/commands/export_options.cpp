@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// Formats and zone are looked up here, so that a mistyped one is refused before anything is written.
+#include "host/commands/export_options.h"
+
+#include "host/exports/formats.h"
+#include "host/nearest_name.h"
+
+#include <QCommandLineParser>
+
+namespace {
+
+QString read_formats(const QString& text, QStringList& formats) {
+    for (const QString& word : text.split(QLatin1Char(','))) {
+        const QString name = word.trimmed();
+        if (!format_names().contains(name)) {
+            return QStringLiteral("there is no format '%1'; did you mean '%2'?")
+                .arg(name, nearest_name(name, format_names()));
+        }
+        formats.append(name);
+    }
+    formats.removeDuplicates(); // two writers would meet in one file
+    return {};
+}
+
+} // namespace
+
+const char* const export_examples = "\nExamples:\n"
+                                    "  cortana export --format csv,xlsx /cases/c1\n"
+                                    "  cortana export --format timesketch --out /cases/timeline /cases/c1\n"
+                                    "\nExit codes: 0 complete, 2 usage, 5 the database cannot be read or the output\n"
+                                    "cannot be written, 130 or 143 cancelled.\n";
+
+void describe_export(QCommandLineParser& parser) {
+    const auto add = [&parser](const char* name, const QString& text, const char* value = nullptr) {
+        parser.addOption({QLatin1String(name), text, QLatin1String(value)});
+    };
+    parser.setApplicationDescription(QStringLiteral("Writes the rows of a result database in other formats."));
+    parser.addPositionalArgument(QStringLiteral("export"), QStringLiteral("The command."));
+    parser.addPositionalArgument(QStringLiteral("RESULT"), QStringLiteral("The result folder, or the SQLite file."));
+    add("format",
+        QStringLiteral("Formats, separated by commas: ") + format_names().join(QStringLiteral(", ")) + QLatin1Char('.'),
+        "NAMES");
+    add("out", QStringLiteral("Folder to write into (default: exports, beside the database)."), "FOLDER");
+    add("tables", QStringLiteral("Writes these result tables only, separated by commas."), "NAMES");
+    add("time-zone", QStringLiteral("Shows times in this zone as well (for example Europe/Berlin)."), "NAME");
+    add("csv-raw", QStringLiteral("Writes CSV cells byte for byte, also those that a spreadsheet would run."));
+    add("json", QStringLiteral("Prints what was written as one JSON document."));
+}
+
+QString read_export_values(const QCommandLineParser& parser, export_options& options) {
+    const auto value = [&parser](const char* name) { return parser.value(QLatin1String(name)); };
+    if (!parser.isSet(QStringLiteral("format"))) {
+        return QStringLiteral("--format is missing: ") + format_names().join(QStringLiteral(", "));
+    }
+    const QString refused = read_formats(value("format"), options.formats);
+    if (!refused.isEmpty()) {
+        return refused;
+    }
+    if (parser.isSet(QStringLiteral("out")) && value("out").isEmpty()) {
+        return QStringLiteral("the folder's name is empty");
+    }
+    if (parser.isSet(QStringLiteral("time-zone"))) {
+        const QByteArray zone = value("time-zone").toUtf8();
+        if (!QTimeZone::isTimeZoneIdAvailable(zone)) {
+            return QStringLiteral("there is no time zone '%1'").arg(value("time-zone"));
+        }
+        options.zone = QTimeZone(zone);
+    }
+    options.folder = value("out");
+    options.exact = parser.isSet(QStringLiteral("csv-raw"));
+    options.json = parser.isSet(QStringLiteral("json"));
+    return {};
+}
