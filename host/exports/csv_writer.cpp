@@ -8,6 +8,32 @@ namespace {
 
 constexpr std::string_view line_end = "\r\n";
 
+// What a look over a text finds: most need no second one.
+constexpr unsigned char needs_quotes = 1;
+constexpr unsigned char is_unusual = 2; // not ASCII, or a zero byte
+
+struct byte_classes {
+    unsigned char of[256] = {};
+    constexpr byte_classes() {
+        of[0] = is_unusual;
+        for (int code = 0x80; code < 0x100; ++code) {
+            of[code] = is_unusual;
+        }
+        for (const char byte : {'"', ',', '\r', '\n'}) {
+            of[static_cast<unsigned char>(byte)] = needs_quotes;
+        }
+    }
+};
+constexpr byte_classes classes;
+
+unsigned char classes_in(std::string_view text) {
+    unsigned char found = 0;
+    for (const char byte : text) {
+        found = static_cast<unsigned char>(found | classes.of[static_cast<unsigned char>(byte)]);
+    }
+    return found;
+}
+
 bool holds_number(column_kind kind) {
     return kind == column_kind::coordinate || kind == column_kind::distance || kind == column_kind::count ||
            kind == column_kind::size;
@@ -21,7 +47,7 @@ bool is_formula(std::string_view text) {
 }
 
 void append_csv_field(std::string_view text, std::string& to) {
-    if (text.find_first_of("\",\r\n") == std::string_view::npos) {
+    if ((classes_in(text) & needs_quotes) == 0) {
         to.append(text);
         return;
     }
@@ -83,6 +109,11 @@ void csv_writer::append_cell(const export_cell& cell, column_kind kind) {
     }
     if (exact) {
         append_csv_field(cell.bytes, line);
+        return;
+    }
+    const unsigned char found = classes_in(cell.bytes);
+    if (found == 0 && !is_formula(cell.bytes)) {
+        line.append(cell.bytes);
         return;
     }
     shown.clear();

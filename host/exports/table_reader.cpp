@@ -66,7 +66,7 @@ table_reader::table_reader(const QString& file) {
     constexpr int patience = 5000; // milliseconds, while another program writes
     const QByteArray path = QFile::encodeName(QFileInfo(file).absoluteFilePath());
     sqlite3* opened = nullptr;
-    const int code = sqlite3_open_v2(path.constData(), &opened, SQLITE_OPEN_READONLY, nullptr);
+    const int code = sqlite3_open_v2(path.constData(), &opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr);
     database.reset(opened);
     // The file may come from anywhere: its schema must not call functions that are not safe.
     if (code != SQLITE_OK || sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr) != SQLITE_OK ||

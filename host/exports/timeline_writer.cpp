@@ -46,11 +46,12 @@ bool timeline_writer::row(const export_row& row) {
         if (column.kind != column_kind::time || !row.times[i].is_time) {
             continue;
         }
-        if (!has_time) {
+        const bool is_first = !has_time;
+        has_time = true;
+        if (is_first) {
             put_message(row, message);
         }
-        has_time = true;
-        if (append_event({row, column, row.times[i], message}, lines)) {
+        if (append_event({row, column, row.times[i], message, is_first}, lines)) {
             ++events;
         } else {
             note(QStringLiteral("events that the format cannot hold"));

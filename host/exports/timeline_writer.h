@@ -11,6 +11,7 @@ struct timeline_event {
     const column_description& column;
     const export_time& time;
     const std::string& message; // what the row is, in valid UTF-8: "cookies: https://... (row 7)"
+    bool is_first;              // of the row
 };
 
 class timeline_writer : public export_writer {

@@ -35,8 +35,7 @@ char* put_date_and_clock(char* to, qint64 seconds) {
     const std::time_t time = seconds;
     std::tm parts = {};
     ::gmtime_r(&time, &parts); // cannot fail: is_time() bounds the years
-    const int year = parts.tm_year + 1900;
-    to = put_digits(to, year, year > 9999 ? 5 : 4);
+    to = put_digits(to, parts.tm_year + 1900, 4);
     *to++ = '-';
     to = put_digits(to, parts.tm_mon + 1, 2);
     *to++ = '-';
@@ -65,5 +64,9 @@ void put_utc_text(qint64 unix_seconds, time_text& text) {
 
 void put_zone_text(qint64 unix_seconds, const QTimeZone& zone, time_text& text) {
     const int offset = zone.offsetFromUtc(QDateTime::fromSecsSinceEpoch(unix_seconds, Qt::UTC));
-    put_offset(put_date_and_clock(text.data(), unix_seconds + offset), offset);
+    const qint64 shown = unix_seconds + offset;
+    if (shown < first_second || shown > last_second) {
+        return put_utc_text(unix_seconds, text);
+    }
+    put_offset(put_date_and_clock(text.data(), shown), offset);
 }

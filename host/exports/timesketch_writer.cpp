@@ -38,15 +38,18 @@ timesketch_writer::timesketch_writer(export_folder& folder) : timeline_writer(fo
 
 bool timesketch_writer::append_event(const timeline_event& event, std::string& to) {
     constexpr qint64 microseconds = 1000000;
-    std::string object = "{";
-    append_json_field("message", event.message, object);
-    append_json_field("datetime", std::string_view(event.time.utc.data()), object);
-    append_json_field("timestamp", event.time.seconds * microseconds, object);
-    append_json_field("timestamp_desc", std::string_view(event.column.event_name), object);
-    append_json_field("data_type", std::string("windows:cortana:") + event.row.table.name.constData(), object);
-    for (std::size_t i = 0; i < event.row.cells.size(); ++i) {
-        append_field(event.row.table.columns[static_cast<int>(i)], event.row.cells[i], object);
+    if (event.is_first) {
+        row_fields = "{";
+        append_json_field("message", event.message, row_fields);
+        append_json_field("data_type", std::string("windows:cortana:") + event.row.table.name.constData(), row_fields);
+        for (std::size_t i = 0; i < event.row.cells.size(); ++i) {
+            append_field(event.row.table.columns[static_cast<int>(i)], event.row.cells[i], row_fields);
+        }
     }
-    to += object + "}\n";
+    to += row_fields;
+    append_json_field("datetime", std::string_view(event.time.utc.data()), to);
+    append_json_field("timestamp", event.time.seconds * microseconds, to);
+    append_json_field("timestamp_desc", std::string_view(event.column.event_name), to);
+    to += "}\n";
     return true;
 }

@@ -10,4 +10,7 @@ public:
 
 protected:
     bool append_event(const timeline_event& event, std::string& to) override;
+
+private:
+    std::string row_fields; // the same in all events of a row
 };

@@ -5,12 +5,20 @@
 #include "host/exports/cell_text.h"
 #include "host/exports/xlsx_check.h"
 
-#include <QFile>
 #include <QRegularExpression>
+
+#include <algorithm>
+#include <cstdio>
 
 namespace {
 
 constexpr int longest_text = 32767;
+
+// A text that needs no change: short, printable ASCII, nothing like an escape.
+bool is_plain(const std::string& text) {
+    return text.size() <= longest_text && text.find("_x") == std::string::npos &&
+           std::all_of(text.begin(), text.end(), [](char byte) { return byte >= ' '; });
+}
 
 // Excel reads _xHHHH_ in a cell as a character. The library writes control characters so, but does not say that a
 // text which looks like one is meant as it stands.
@@ -71,11 +79,10 @@ bool xlsx_writer::begin_sheet() {
     next_column = 0;
     bool done = true;
     for (const column_description& column : table->columns) {
-        const QString name = QLatin1String(column.name);
+        const std::string name = column.name;
         done = done && put(name);
         if (column.kind == column_kind::time) {
-            done = done && put(name + QStringLiteral("_utc"));
-            done = done && (!table->with_zone || put(name + QStringLiteral("_local")));
+            done = done && put(name + "_utc") && (!table->with_zone || put(name + "_local"));
         }
     }
     columns = next_column;
@@ -103,11 +110,8 @@ bool xlsx_writer::row(const export_row& row) {
     bool done = true;
     for (std::size_t i = 0; i < row.cells.size() && done; ++i) {
         done = put_cell(row.cells[i]);
-        if (row.table.columns[static_cast<int>(i)].kind == column_kind::time) {
-            const export_time& time = row.times[i];
-            done = done && put(time.is_time ? QString::fromLatin1(time.utc.data()) : QString());
-            done = done &&
-                   (!row.table.with_zone || put(time.is_time ? QString::fromLatin1(time.in_zone.data()) : QString()));
+        if (done && row.table.columns[static_cast<int>(i)].kind == column_kind::time) {
+            done = put_times(row.times[i]);
         }
     }
     ++next_row;
@@ -116,20 +120,32 @@ bool xlsx_writer::row(const export_row& row) {
 }
 
 bool xlsx_writer::put_cell(const export_cell& cell) {
+    shown.clear();
+    append_shown(cell, shown);
+    if (is_plain(shown)) {
+        return put(shown);
+    }
+    QString decoded;
+    is_valid_utf8(shown, &decoded);
     bool cut = false;
-    const QString text = xlsx_cell_text(shown_text(cell), cut);
+    const QByteArray text = xlsx_cell_text(decoded, cut).toUtf8();
     if (cut) {
         note(QStringLiteral("cells cut at 32,767 characters"));
     }
-    return put(text);
+    return put(text.toStdString());
 }
 
-bool xlsx_writer::put(const QString& text) {
+bool xlsx_writer::put_times(const export_time& time) {
+    return put(time.is_time ? time.utc.data() : "") &&
+           (!table->with_zone || put(time.is_time ? time.in_zone.data() : ""));
+}
+
+bool xlsx_writer::put(const std::string& text) {
     const lxw_col_t column = next_column++;
-    if (text.isEmpty()) {
+    if (text.empty()) {
         return true;
     }
-    const lxw_error code = worksheet_write_string(sheet, next_row, column, text.toUtf8().constData(), nullptr);
+    const lxw_error code = worksheet_write_string(sheet, next_row, column, text.c_str(), nullptr);
     return code == LXW_NO_ERROR || fail(code);
 }
 

@@ -27,8 +27,10 @@ private:
 
     bool begin_sheet();
     void end_sheet();
-    bool put(const QString& text);
+    // Each fills the next cell of the row.
+    bool put(const std::string& text);
     bool put_cell(const export_cell& cell);
+    bool put_times(const export_time& time);
     bool fail(lxw_error code);
 
     pending_file& file;
@@ -43,6 +45,7 @@ private:
     lxw_row_t next_row = 0;
     lxw_col_t next_column = 0;
     QVector<qint64> rows_of_sheets; // with the header
+    std::string shown;              // the cell
 };
 
 // A text as a cell takes it: what XML cannot hold visible, 32,767 UTF-16 units at most. cut: set when it was longer
