@@ -2,6 +2,8 @@
 // Formats and zone are looked up here, so that a mistyped one is refused before anything is written.
 #include "host/commands/export_options.h"
 
+#include "contract/table_names.h"
+#include "host/commands/option_words.h"
 #include "host/exports/formats.h"
 #include "host/nearest_name.h"
 
@@ -21,8 +23,6 @@ QString read_formats(const QString& text, QStringList& formats) {
     formats.removeDuplicates(); // two writers would meet in one file
     return {};
 }
-
-} // namespace
 
 const char* const export_examples = "\nExamples:\n"
                                     "  cortana export --format csv,xlsx /cases/c1\n"
@@ -70,4 +70,41 @@ QString read_export_values(const QCommandLineParser& parser, export_options& opt
     options.exact = parser.isSet(QStringLiteral("csv-raw"));
     options.json = parser.isSet(QStringLiteral("json"));
     return {};
+}
+
+} // namespace
+
+command_line read_export(const QStringList& arguments) {
+    QCommandLineParser parser;
+    describe_export(parser);
+    add_common_options(parser);
+    if (const auto settled = settle_words(parser, arguments, 1, "export takes one folder, RESULT", export_examples)) {
+        return *settled;
+    }
+    command_line line;
+    line.what = command::export_tables;
+    line.exports.result = parser.positionalArguments().at(1);
+    QString refused = read_export_values(parser, line.exports);
+    const bool chosen = parser.isSet(QStringLiteral("tables"));
+    line.exports.tables = chosen ? QStringList() : result_table_names();
+    if (refused.isEmpty() && chosen) {
+        refused = read_tables(parser.value(QStringLiteral("tables")), line.exports.tables);
+    }
+    return refused.isEmpty() ? line : refusal(refused);
+}
+
+command_line read_schema(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Tells what the tables and columns of a result database hold."));
+    parser.addPositionalArgument(QStringLiteral("schema"), QStringLiteral("The command."));
+    add_common_options(parser);
+    const QString json_name = QStringLiteral("json");
+    parser.addOption({json_name, QStringLiteral("Prints one JSON document instead of Markdown.")});
+    if (const auto settled = settle_words(parser, arguments, 0, "schema takes no arguments")) {
+        return *settled;
+    }
+    command_line line;
+    line.what = command::schema;
+    line.schema_as_json = parser.isSet(json_name);
+    return line;
 }

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The words of the command "export", but for the ones that other commands have, too.
+// The words of the commands "export" and "schema".
 #pragma once
 
-#include "host/commands/export_command.h"
+#include "host/commands/options.h"
 
-class QCommandLineParser;
-
-void describe_export(QCommandLineParser& parser);
-extern const char* const export_examples;
-
-// Returns why the words are refused, or an empty text. result and tables are left alone.
-QString read_export_values(const QCommandLineParser& parser, export_options& options);
+// arguments: as for read_command_line(), but that the command's name is known to follow the program's.
+command_line read_export(const QStringList& arguments);
+command_line read_schema(const QStringList& arguments);

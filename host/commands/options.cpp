@@ -4,6 +4,7 @@
 
 #include "contract/table_names.h"
 #include "host/commands/export_options.h"
+#include "host/commands/option_words.h"
 #include "host/nearest_name.h"
 #include "host/run/process_limits.h"
 
@@ -17,34 +18,7 @@
 
 namespace {
 
-const QString help_name = QStringLiteral("help");
-const QString version_name = QStringLiteral("version");
 const QString tables_name = QStringLiteral("tables");
-
-command_line refusal(const QString& reason) {
-    command_line refused;
-    refused.text = reason;
-    return refused;
-}
-
-command_line help(const QString& text) {
-    command_line answer;
-    answer.what = command::help;
-    answer.text = text;
-    return answer;
-}
-
-command_line versions() {
-    command_line answer;
-    answer.what = command::version;
-    return answer;
-}
-
-void add_common_options(QCommandLineParser& parser) {
-    parser.addOption({{QStringLiteral("h"), help_name}, QStringLiteral("Shows this help.")});
-    parser.addOption({{QStringLiteral("v"), version_name},
-                      QStringLiteral("Shows the versions of this program and of the libraries it works with.")});
-}
 
 QString general_help(const QString& program) {
     return QStringLiteral("Usage: %1 COMMAND [options] ARGUMENTS\n"
@@ -107,27 +81,6 @@ void describe_extract(QCommandLineParser& parser) {
     add("quiet", "Prints errors only.");
 }
 
-// Reads a command's words. Gives the answer when that is settled by them: help, versions, or that the command does not
-// take these words; nothing when it takes them.
-std::optional<command_line> settle_words(QCommandLineParser& parser, const QStringList& arguments, int paths,
-                                         const char* taken, const char* examples = "") {
-    const bool understood = parser.parse(arguments);
-    const QStringList words = parser.positionalArguments();
-    if (parser.isSet(help_name)) {
-        return help(parser.helpText() + QLatin1String(examples));
-    }
-    if (parser.isSet(version_name)) {
-        return versions();
-    }
-    if (!understood) {
-        return refusal(parser.errorText());
-    }
-    if (words.size() != 1 + paths || words.contains(QString())) {
-        return refusal(QLatin1String(taken));
-    }
-    return std::nullopt;
-}
-
 // NAME or NAME=DOMAIN_USER. Both name a folder below Users/, so neither may lead elsewhere.
 bool read_user(const QString& text, QList<system_account>& users) {
     const int equals = text.indexOf(QLatin1Char('='));
@@ -146,24 +99,6 @@ bool read_user(const QString& text, QList<system_account>& users) {
         known->domain_user = account.domain_user;
     }
     return !account.system_user.isEmpty();
-}
-
-// Returns why the list is refused, or an empty text.
-QString read_tables(const QString& text, QStringList& tables) {
-    QStringList wanted = text.split(QLatin1Char(','));
-    for (QString& name : wanted) {
-        name = name.trimmed();
-        if (!result_table_names().contains(name)) {
-            return QStringLiteral("there is no table '%1'; did you mean '%2'?")
-                .arg(name, nearest_name(name, result_table_names()));
-        }
-    }
-    for (const QString& name : result_table_names()) {
-        if (wanted.contains(name)) {
-            tables.append(name);
-        }
-    }
-    return {};
 }
 
 // Reads a whole number of at least one, where the option is given. False: it is none.
@@ -300,40 +235,6 @@ command_line read_rows(const QStringList& arguments) {
     return refused.isEmpty() ? line : refusal(refused);
 }
 
-command_line read_export(const QStringList& arguments) {
-    QCommandLineParser parser;
-    describe_export(parser);
-    add_common_options(parser);
-    if (const auto settled = settle_words(parser, arguments, 1, "export takes one folder, RESULT", export_examples)) {
-        return *settled;
-    }
-    command_line line;
-    line.what = command::export_tables;
-    line.exports.result = parser.positionalArguments().at(1);
-    QString refused = read_export_values(parser, line.exports);
-    line.exports.tables = parser.isSet(tables_name) ? QStringList() : result_table_names();
-    if (refused.isEmpty() && parser.isSet(tables_name)) {
-        refused = read_tables(parser.value(tables_name), line.exports.tables);
-    }
-    return refused.isEmpty() ? line : refusal(refused);
-}
-
-command_line read_schema(const QStringList& arguments) {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Tells what the tables and columns of a result database hold."));
-    parser.addPositionalArgument(QStringLiteral("schema"), QStringLiteral("The command."));
-    add_common_options(parser);
-    const QString json_name = QStringLiteral("json");
-    parser.addOption({json_name, QStringLiteral("Prints one JSON document instead of Markdown.")});
-    if (const auto settled = settle_words(parser, arguments, 0, "schema takes no arguments")) {
-        return *settled;
-    }
-    command_line line;
-    line.what = command::schema;
-    line.schema_as_json = parser.isSet(json_name);
-    return line;
-}
-
 command_line read_log(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Prints a debug log, deciphering it where it is enciphered."));
@@ -364,11 +265,11 @@ command_line read_command_line(const QStringList& arguments) {
         return refusal(parser.errorText());
     }
     const QStringList words = parser.positionalArguments();
-    if (parser.isSet(help_name)) {
-        return help(general_help(arguments.first()));
+    if (asks_for_help(parser)) {
+        return help_answer(general_help(arguments.first()));
     }
-    if (parser.isSet(version_name)) {
-        return versions();
+    if (asks_for_versions(parser)) {
+        return versions_answer();
     }
     if (words.isEmpty()) {
         return refusal(QStringLiteral("a command is missing: extract, rows, export, schema or log"));
