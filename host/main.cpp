@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The command-line host: drives the plugin library as the suite would, from a terminal or a script.
+#include "host/commands/diff_command.h"
 #include "host/commands/export_command.h"
 #include "host/commands/extract_command.h"
 #include "host/commands/log_command.h"
@@ -46,6 +47,8 @@ int run(const command_line& line) {
     case command::export_tables:
         take_cancel_signals();
         return run_export_command(line.exports);
+    case command::diff:
+        return run_diff_command(line.diff);
     case command::schema:
         return run_schema_command(line.schema_as_json);
     case command::version:

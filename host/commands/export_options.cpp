@@ -72,6 +72,16 @@ QString read_export_values(const QCommandLineParser& parser, export_options& opt
     return {};
 }
 
+// All tables where none are named.
+QString read_chosen_tables(const QCommandLineParser& parser, QStringList& tables) {
+    const QString name = QStringLiteral("tables");
+    if (parser.isSet(name)) {
+        return read_tables(parser.value(name), tables);
+    }
+    tables = result_table_names();
+    return {};
+}
+
 } // namespace
 
 command_line read_export(const QStringList& arguments) {
@@ -85,11 +95,32 @@ command_line read_export(const QStringList& arguments) {
     line.what = command::export_tables;
     line.exports.result = parser.positionalArguments().at(1);
     QString refused = read_export_values(parser, line.exports);
-    const bool chosen = parser.isSet(QStringLiteral("tables"));
-    line.exports.tables = chosen ? QStringList() : result_table_names();
-    if (refused.isEmpty() && chosen) {
-        refused = read_tables(parser.value(QStringLiteral("tables")), line.exports.tables);
+    if (refused.isEmpty()) {
+        refused = read_chosen_tables(parser, line.exports.tables);
     }
+    return refused.isEmpty() ? line : refusal(refused);
+}
+
+command_line read_diff(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Tells how the rows of two result databases differ."));
+    parser.addPositionalArgument(QStringLiteral("diff"), QStringLiteral("The command."));
+    parser.addPositionalArgument(QStringLiteral("RUN1"), QStringLiteral("A result folder, or the SQLite file."));
+    parser.addPositionalArgument(QStringLiteral("RUN2"), QStringLiteral("Another one."));
+    add_common_options(parser);
+    parser.addOption(
+        {QStringLiteral("tables"), QStringLiteral("Compares these result tables only."), QStringLiteral("NAMES")});
+    const QString json_name = QStringLiteral("json");
+    parser.addOption({json_name, QStringLiteral("Prints one JSON document.")});
+    if (const auto settled = settle_words(parser, arguments, 2, "diff takes two result folders, RUN1 and RUN2")) {
+        return *settled;
+    }
+    command_line line;
+    line.what = command::diff;
+    line.diff.first = parser.positionalArguments().at(1);
+    line.diff.second = parser.positionalArguments().at(2);
+    line.diff.json = parser.isSet(json_name);
+    const QString refused = read_chosen_tables(parser, line.diff.tables);
     return refused.isEmpty() ? line : refusal(refused);
 }
 

@@ -28,6 +28,7 @@ QString general_help(const QString& program) {
                           "  extract SOURCE RESULT  Extracts from the folder SOURCE (it holds Users/) into RESULT.\n"
                           "  rows RESULT            Lists the rows of a result database.\n"
                           "  export RESULT          Writes the rows in other formats beside the result database.\n"
+                          "  diff RUN1 RUN2         Tells how the rows of two result databases differ.\n"
                           "  schema                 Tells what the tables and columns hold.\n"
                           "  log FILE               Prints a debug log, deciphering it where it is enciphered.\n"
                           "\n"
@@ -272,12 +273,12 @@ command_line read_command_line(const QStringList& arguments) {
         return versions_answer();
     }
     if (words.isEmpty()) {
-        return refusal(QStringLiteral("a command is missing: extract, rows, export, schema or log"));
+        return refusal(QStringLiteral("a command is missing: extract, rows, export, diff, schema or log"));
     }
     const QMap<QString, command_line (*)(const QStringList&)> commands{
-        {QStringLiteral("export"), read_export}, {QStringLiteral("extract"), read_extract},
-        {QStringLiteral("log"), read_log},       {QStringLiteral("rows"), read_rows},
-        {QStringLiteral("schema"), read_schema},
+        {QStringLiteral("diff"), read_diff},       {QStringLiteral("export"), read_export},
+        {QStringLiteral("extract"), read_extract}, {QStringLiteral("log"), read_log},
+        {QStringLiteral("rows"), read_rows},       {QStringLiteral("schema"), read_schema},
     };
     if (!commands.contains(words.first())) {
         return refusal(QStringLiteral("there is no command '%1'; did you mean '%2'?")

@@ -2,6 +2,7 @@
 // The command line, read into plain values. Nothing is printed and nothing is looked up on disk here.
 #pragma once
 
+#include "host/commands/diff_command.h"
 #include "host/commands/export_command.h"
 #include "host/commands/rows_command.h"
 #include "host/run/extract_options.h"
@@ -9,7 +10,7 @@
 #include <QString>
 #include <QStringList>
 
-enum class command { extract, log, rows, export_tables, schema, version, help, refused };
+enum class command { extract, log, rows, export_tables, diff, schema, version, help, refused };
 
 struct command_line {
     command what = command::refused;
@@ -17,6 +18,7 @@ struct command_line {
     QString log_file; // of the command log
     rows_options rows;
     export_options exports;
+    diff_options diff;
     bool schema_as_json = false;
     QString text; // the help text, or why the command line is refused
 };

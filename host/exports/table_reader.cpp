@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A read transaction that is begun with the connection and ends with it.
+// The cells point into SQLite's own row.
 #include "host/exports/table_reader.h"
-
-#include <QFile>
-#include <QFileInfo>
-
-#include <cerrno>
 
 namespace {
 
@@ -62,25 +57,16 @@ bool fill_row(sqlite3_stmt* source, const QTimeZone& zone, export_row& row) {
 
 } // namespace
 
-table_reader::table_reader(const QString& file) {
-    constexpr int patience = 5000; // milliseconds, while another program writes
-    const QByteArray path = QFile::encodeName(QFileInfo(file).absoluteFilePath());
-    sqlite3* opened = nullptr;
-    const int code = sqlite3_open_v2(path.constData(), &opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr);
-    database.reset(opened);
-    // The file may come from anywhere: its schema must not call functions that are not safe.
-    if (code != SQLITE_OK || sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr) != SQLITE_OK ||
-        sqlite3_busy_timeout(opened, patience) != SQLITE_OK ||
-        sqlite3_exec(opened, "begin", nullptr, nullptr, nullptr) != SQLITE_OK) {
+table_reader::table_reader(const QString& file) : database(open_for_reading(file, trouble)) {
+    if (trouble.isEmpty() && sqlite3_exec(database.get(), "begin", nullptr, nullptr, nullptr) != SQLITE_OK) {
         fail();
     }
 }
 
 bool table_reader::fail() {
-    if (!trouble.isEmpty()) {
-        return false;
+    if (trouble.isEmpty()) {
+        trouble = error_of(database.get());
     }
-    trouble = database ? QString::fromUtf8(sqlite3_errmsg(database.get())) : qt_error_string(ENOMEM);
     return false;
 }
 

@@ -26,6 +26,6 @@ private:
     statement_handle prepare(const export_table& table);
     bool fail();
 
-    database_handle database;
     QString trouble;
+    database_handle database;
 };

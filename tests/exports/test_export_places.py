@@ -5,6 +5,7 @@ import math
 import re
 import subprocess
 import unittest
+from xml.etree import ElementTree
 
 from export_case import export_case
 
@@ -91,6 +92,11 @@ class places(export_case):
         cosine = math.cos(math.radians(centre[1]))
         self.assertAlmostEqual((north[1] - centre[1]) * metres, radius, delta=radius / 1000)
         self.assertAlmostEqual((east[0] - centre[0]) * metres * cosine, radius, delta=radius / 1000)
+
+    def test_kml_is_well_formed(self):
+        marks = ElementTree.parse(self.path("places.kml")).iter("{http://www.opengis.net/kml/2.2}Placemark")
+        texts = [[data[0].text for data in mark[1] if data.get("name") == "text"] for mark in marks]
+        self.assertEqual(texts[0], ["<&>\\x01\\ufffe]]>"])
 
     def test_gdal_reads_both_alike(self):
         points = [place[3] for place in PLACES.values() if not isinstance(place[3], str)]
