@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The command-line host: drives the plugin library as the suite would, from a terminal or a script.
+#include "host/commands/check_command.h"
+#include "host/commands/diff_command.h"
+#include "host/commands/export_command.h"
 #include "host/commands/extract_command.h"
 #include "host/commands/log_command.h"
 #include "host/commands/options.h"
+#include "host/commands/schema_command.h"
 #include "host/console.h"
 #include "host/environment.h"
 #include "host/exit_codes.h"
@@ -36,11 +40,23 @@ int run(const command_line& line) {
     case command::extract:
         take_cancel_signals();
         return run_extract_command(line.extract);
+    case command::check:
+        take_cancel_signals();
+        return run_check_command(line.extract);
+    case command::verify:
+        return run_verify_command(line.verify);
     case command::log:
         take_qt_messages(true); // the cipher's own warnings; each record is told of by its number
         return run_log_command(line.log_file);
     case command::rows:
         return run_rows_command(line.rows);
+    case command::export_tables:
+        take_cancel_signals();
+        return run_export_command(line.exports);
+    case command::diff:
+        return run_diff_command(line.diff);
+    case command::schema:
+        return run_schema_command(line.schema_as_json);
     case command::version:
         return print_text(version_text());
     case command::help:

@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs what a build needs on Debian 12 or 13, and nothing that is already there.
-# Usage: packaging/setup.sh [lint] [bench]   (the extra words add the packages of the checks or of the benchmarks)
+# Usage: packaging/setup.sh [lint] [test] [bench]   (the extra words add what the checks, tests or benchmarks need)
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 
 packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libhivex-dev libseccomp-dev libsqlite3-dev
     libssl-dev)
+packages+=(libarchive-dev libxlsxwriter-dev)
 for extra in "$@"; do
     case "$extra" in
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
-        bench) packages+=(libwin-hivex-perl libhivex-bin) ;;
+        test) packages+=(gdal-bin python3-openpyxl sleuthkit) ;;
+        bench) packages+=(sqlite3 libwin-hivex-perl libhivex-bin) ;;
         *) echo "setup: unknown word '$extra'" >&2; exit 2 ;;
     esac
 done

@@ -2,13 +2,11 @@
 // One line a row: its key, then every column that says something.
 #include "host/commands/rows_command.h"
 
-#include "contract/result_layout.h"
 #include "host/console.h"
 #include "host/exit_codes.h"
 #include "host/record/read_only_database.h"
 
 #include <QDateTime>
-#include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -21,13 +19,6 @@ namespace {
 // Columns that are the same in every row or repeat another column.
 const QStringList left_out = {QStringLiteral("bookmark"), QStringLiteral("INT"), QStringLiteral("os_scheme_display"),
                               QStringLiteral("preview_file_path"), QStringLiteral("export_file_paths")};
-
-QString database_in(const QString& result) {
-    if (!QFileInfo(result).isDir()) {
-        return result;
-    }
-    return result_layout::database_file(result_layout::plugin_folder(result, artifact_name), artifact_name);
-}
 
 // Seconds since 1970 with the date behind them; other values as they are.
 QString shown_value(const QString& column, const QVariant& value) {

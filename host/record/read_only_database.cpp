@@ -2,6 +2,9 @@
 // One connection, gone before the call returns.
 #include "host/record/read_only_database.h"
 
+#include "contract/result_layout.h"
+
+#include <QFileInfo>
 #include <QSqlError>
 
 bool with_read_only_database(const QString& file, QString& error, const std::function<bool(QSqlDatabase&)>& work) {
@@ -19,4 +22,11 @@ bool with_read_only_database(const QString& file, QString& error, const std::fun
     }
     QSqlDatabase::removeDatabase(connection_name);
     return done;
+}
+
+QString database_in(const QString& result) {
+    if (!QFileInfo(result).isDir()) {
+        return result;
+    }
+    return result_layout::database_file(result_layout::plugin_folder(result, artifact_name), artifact_name);
 }

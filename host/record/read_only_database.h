@@ -10,3 +10,6 @@
 // Opens the file for reading, hands it to work and closes it again. Returns what work returns; false, and error says
 // why, when it does not open. work must leave no query behind, and none may run inside another.
 bool with_read_only_database(const QString& file, QString& error, const std::function<bool(QSqlDatabase&)>& work);
+
+// The result database that a user names by the result folder or by the SQLite file itself.
+QString database_in(const QString& result);

@@ -84,7 +84,7 @@ supervisor::supervisor(const extract_options& asked, const QString& source_root,
         one->place = static_cast<int>(profiles.size());
         one->accounts = accounts;
         one->label = label_of(accounts);
-        one->remaining = options.tables;
+        one->remaining = only_checks() ? QStringList() : options.tables;
         profiles.push_back(std::move(one));
     }
     connect(&clock, &QTimer::timeout, this, &supervisor::look_round);
@@ -92,8 +92,12 @@ supervisor::supervisor(const extract_options& asked, const QString& source_root,
 
 supervisor::~supervisor() = default;
 
+bool supervisor::only_checks() const {
+    return summary.output.folder.isEmpty();
+}
+
 void supervisor::run() {
-    QDir(summary.output.workers).removeRecursively(); // what a run left that was killed
+    remove_workers_folder(); // of a run that was killed
     clock.start(look_round_ms);
     start_more();
     if (running > 0) {
@@ -114,7 +118,13 @@ void supervisor::run() {
         }
     }
     progress.clear();
-    QDir(summary.output.workers).removeRecursively();
+    remove_workers_folder();
+}
+
+void supervisor::remove_workers_folder() const {
+    if (!only_checks()) {
+        QDir(summary.output.workers).removeRecursively();
+    }
 }
 
 bool supervisor::may_start() const {
@@ -135,6 +145,17 @@ void supervisor::start_more() {
     }
 }
 
+bool supervisor::make_folder_for(profile& one) {
+    const QString folder = summary.output.workers + QStringLiteral("%1-%2").arg(one.place).arg(one.folders.size());
+    const bool made = QDir().mkpath(folder);
+    if (made) {
+        one.folders.append(folder);
+    } else {
+        summary.add_trouble(QStringLiteral("the folder %1 cannot be made").arg(folder));
+    }
+    return made;
+}
+
 worker_request supervisor::request_for(const profile& one) const {
     worker_request request;
     request.source_root = root;
@@ -142,7 +163,7 @@ worker_request supervisor::request_for(const profile& one) const {
     request.check = !one.checked;
     request.checked_tables = options.tables;
     request.tables = one.remaining;
-    request.folder = one.folders.last();
+    request.folder = one.folders.value(one.folders.size() - 1);
     request.library = library;
     request.os_scheme = options.os_scheme;
     request.source_number = options.source_number;
@@ -153,13 +174,10 @@ worker_request supervisor::request_for(const profile& one) const {
 }
 
 void supervisor::start_worker(profile& one) {
-    const QString folder = summary.output.workers + QStringLiteral("%1-%2").arg(one.place).arg(one.folders.size());
-    if (!QDir().mkpath(folder)) {
-        summary.add_trouble(QStringLiteral("the folder %1 cannot be made").arg(folder));
+    if (!only_checks() && !make_folder_for(one)) {
         return;
     }
     one.state = profile::working;
-    one.folders.append(folder);
     one.steps_done = 0;
     one.rows_told = one.rows_kept = 0;
     one.worker = std::make_unique<worker_process>(request_for(one), options.limits);
@@ -222,7 +240,9 @@ void supervisor::take_end(profile& one, const worker_loss& loss) {
     }
     one.rows_before += one.rows_kept;
     one.remaining = one.remaining.mid(one.steps_done);
-    take_findings(one);
+    if (!one.folders.isEmpty()) {
+        take_findings(one);
+    }
     const bool lost = !loss.reason.isEmpty() && !is_cancelled();
     if (lost) {
         take_loss(one, loss);
@@ -261,6 +281,9 @@ void supervisor::take_findings(profile& one) {
 // With --clear nothing is emptied before all profiles are through, and nothing at all when one of them could not be
 // written: the rows of earlier runs must not be lost for an unfinished run's.
 void supervisor::merge_finished() {
+    if (only_checks()) {
+        return;
+    }
     for (const auto& one : profiles) {
         const bool has_trouble =
             !one->log.output_trouble.isEmpty() || (options.clear && !summary.output_troubles.isEmpty());

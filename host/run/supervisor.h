@@ -20,8 +20,8 @@ class supervisor : public QObject {
     Q_OBJECT
 
 public:
-    // groups: the accounts of each run of the plugin, in order. source_root ends in "/". library: absolute. All but
-    // groups outlive this object.
+    // groups: the accounts of each run of the plugin, in order. source_root ends in "/". library: absolute. When result
+    // names no output folder, the evidence is looked over and no more. All but groups outlive this object.
     supervisor(const extract_options& asked, const QString& source_root, const QString& library,
                const QList<QList<system_account>>& groups, run_summary& result);
     ~supervisor() override;
@@ -32,7 +32,10 @@ public:
 private:
     struct profile; // one group and what came of it
 
+    bool only_checks() const;
     bool may_start() const;
+    void remove_workers_folder() const;
+    bool make_folder_for(profile& one);
     void start_more();
     worker_request request_for(const profile& one) const;
     void start_worker(profile& one);

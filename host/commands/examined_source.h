@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// What the commands that examine a source do alike: find it and its profiles, and say what was seen of the evidence.
+#pragma once
+
+#include "host/run/extract_options.h"
+#include "host/run/summary.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+// Says the message on standard error and returns the code.
+int refuse(int code, const QString& message);
+
+// The source's real location; on refusal empty, with the exit code set and the reason said.
+QByteArray find_source(const QString& source, int& code);
+// As the plugin takes it: text, ending in "/".
+QString root_with_slash(const QByteArray& source);
+
+// The profiles to examine: those that were asked for, else those of the source. Empty, with the exit code set and the
+// reason said, when there are none. What was seen on the way goes to findings.
+QList<system_account> choose_profiles(const extract_options& options, const QByteArray& source, health_report& findings,
+                                      int& code);
+
+// Say on standard error, a line each. quiet: no notes.
+void say_findings(const health_report& health, bool quiet);
+void say_losses(const run_summary& summary);
