@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The four records in which the host describes a case. They are passed by value; the field order is an interface
-// contract with the host and with every other plugin, so a field that this plugin ignores keeps its place.
+// contract with the host and with every other plugin, so a field that this plugin ignores keeps its place. Texts that go
+// into rows go as they are: a null one as NULL, an empty one as ''.
 #pragma once
 
 #include <QList>
