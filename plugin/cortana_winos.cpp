@@ -10,6 +10,7 @@
 #include "registry/search_from_com.h"
 #include "registry/text_search_registry.h"
 #include "source/discovery.h"
+#include "source/source_root.h"
 
 cortana_winos::cortana_winos(QWidget* parent) : QWidget(parent), progress_timer(std::make_unique<QElapsedTimer>()) {}
 
@@ -36,7 +37,7 @@ void cortana_winos::winos_set_desktop_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIF
 void cortana_winos::winos_set_general_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info) {}
 
 void cortana_winos::winos_set_source_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source_info) {
-    fs_extraction_source_path = source_info.fs_extraction_source_path;
+    fs_extraction_source_path = absolute_root(source_info.fs_extraction_source_path);
     source_path_2 = source_info.source_path_2;
     os_scheme_display = source_info.os_scheme_display;
     user_name_list.clear();

@@ -198,6 +198,27 @@ private Q_SLOTS:
                                     "system_user=text:bernd | domain_user=text: | os_scheme_display=null:"_q}));
     }
 
+    void relative_root_data() { add_steps(); }
+
+    // It means what it means when it is set: the rows are those of the absolute root, wherever the process goes then.
+    void relative_root() {
+        QFETCH(int, number);
+        run(number);
+        const QStringList rows = folder->dump(table_of(number));
+        folder->execute("delete from "_q + table_of(number));
+        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
+        source.fs_extraction_source_path = "source/"_q;
+        source.os_scheme_display = "Windows"_q;
+        source.system_account_QList = plugin_static_function::system_account_QList;
+        QVERIFY(QDir::setCurrent(folder->root() + ".."_q));
+        front->winos_set_source_info(source);
+        QVERIFY(QDir::setCurrent("/"_q));
+        front->find_source_file();
+        run(number);
+        QVERIFY(!rows.isEmpty());
+        QCOMPARE(folder->dump(table_of(number)), rows);
+    }
+
     void damaged_file_data() {
         QTest::addColumn<int>("number");
         QTest::addColumn<damage>("spoil");
