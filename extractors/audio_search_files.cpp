@@ -2,6 +2,7 @@
 // latest_audio_search: one row per recorded voice search, from the file system alone.
 #include "common/plugin_static_function.h"
 #include "extractors/folder_procedure.h"
+#include "extractors/step_columns.h"
 #include "extractors/steps.h"
 #include "source/readable_alias.h"
 
@@ -74,4 +75,8 @@ const folder_step step{texts, "", write_recording};
 
 void fill_latest_audio_search(const step_context& context, const QStringList& folders) {
     run_folder_step(context, step, folders);
+}
+
+step_columns columns_of_latest_audio_search() {
+    return columns_of(texts, columns);
 }

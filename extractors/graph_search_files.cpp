@@ -2,6 +2,7 @@
 // graphed_cache: one row per entity of the text files in the graph cache folders.
 #include "extractors/folder_procedure.h"
 #include "extractors/graph_text.h"
+#include "extractors/step_columns.h"
 #include "extractors/steps.h"
 
 namespace {
@@ -71,4 +72,8 @@ const folder_step step{texts, "ttl", write_entities};
 
 void fill_graphed_cache(const step_context& context, const QStringList& folders) {
     run_folder_step(context, step, folders);
+}
+
+step_columns columns_of_graphed_cache() {
+    return columns_of(texts, columns);
 }
