@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Source-file labels, user names, file times and sizes, and the few file operations on the plugin's own folders.
+#include "common/birth_time.h"
 #include "common/plugin_static_function.h"
 #include "source/directory_walk.h"
 
@@ -12,6 +13,12 @@ namespace {
 
 qint64 unix_seconds(const QDateTime& time) {
     return time.isValid() ? time.toMSecsSinceEpoch() / 1000 : 0;
+}
+
+// Only where the file system tells no birth time is the attribute asked.
+qint64 birth_seconds(const QFileInfo& file) {
+    const QDateTime time = file.birthTime();
+    return time.isValid() ? unix_seconds(time) : birth_time_in_attribute(QFile::encodeName(file.filePath()));
 }
 
 // Entries of the plugin's own folders, "." and ".." left out.
@@ -70,7 +77,7 @@ file_times plugin_static_function::get_posix_timestamp(QString relative_path, QS
     if (!file.exists()) {
         return {};
     }
-    return {unix_seconds(file.birthTime()), unix_seconds(file.lastRead()), unix_seconds(file.lastModified())};
+    return {birth_seconds(file), unix_seconds(file.lastRead()), unix_seconds(file.lastModified())};
 }
 
 QString plugin_static_function::mining_size(QString path) {

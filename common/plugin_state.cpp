@@ -2,8 +2,6 @@
 // The run-wide state, its reset and its setters.
 #include "common/plugin_static_function.h"
 
-#include "common/text_decoding.h"
-
 int plugin_static_function::type_engine_int = -1;
 int plugin_static_function::source_count_int = -1;
 bool plugin_static_function::bool_cancel_extraction = false;
@@ -51,10 +49,6 @@ void plugin_static_function::set_general_info(struct_GLOBAL_COMMON_VANTOR_AND_AR
 void plugin_static_function::set_source_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source_info) {
     source_os_version_full = source_info.os_version_full;
     system_account_QList = source_info.system_account_QList;
-    for (auto& account : system_account_QList) { // written into rows: a column never mixes NULL and ''
-        account.system_user = never_null(account.system_user);
-        account.domain_user = never_null(account.domain_user);
-    }
 }
 
 void plugin_static_function::set_desktop_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_desktop_info) {}

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The three ways in which bytes of evidence become text. Each stops at the first zero byte and never returns a null
-// text (a null text would be stored as SQL NULL): no bytes give "". never_null() does the same for the host's texts.
+// text (a null text would be stored as SQL NULL): no bytes give "".
 #pragma once
 
 #include <QByteArray>
@@ -25,8 +25,4 @@ inline QString latin1_until_nul(const QByteArray& bytes) {
 // The examiner's machine's own 8-bit encoding.
 inline QString local_8bit_until_nul(const QByteArray& bytes) {
     return QString::fromLocal8Bit(bytes.constData(), length_until_nul(bytes));
-}
-
-inline QString never_null(const QString& text) {
-    return text.isNull() ? QStringLiteral("") : text;
 }

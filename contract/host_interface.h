@@ -39,26 +39,36 @@ public:
     virtual void pub_set_engine_type(int type) = 0;
     // The artifact's name, "Cortana".
     virtual QString pub_get_artifact_name() = 0;
+    // Begins a run: counts and cancel flags are cleared, the engine type, the source number and the accounts
+    // forgotten, the log switched off. Paths, tables and what was found stay.
     virtual void pub_set_essentials() = 0;
     // The host's number of the source; "Source" and this number go into every row.
     virtual void pub_set_source_count(int count) = 0;
+    // Stays the host's and is never looked at; null is fine.
     virtual void pub_set_ios_uid_backup_pointer(ios_uid_backup_parser* parser) = 0;
-    virtual void pub_set_desktop_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_desktop_info desktop_info) = 0;
+    virtual void
+    pub_set_desktop_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_desktop_info desktop_info) = 0; // ignored
+    // Sets the debug switches and opens the debug file, for appending, if they ask for it.
     virtual void pub_set_general_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info general_info) = 0;
+    // The source, read only. A missing root gives no rows; accounts without a profile folder are passed over.
     virtual void pub_set_source_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source_info) = 0;
-    // The names of the result tables to fill. The second list is ignored.
+    // The names of the result tables to fill and to clear; names of no table fill nothing. The second list is ignored.
     virtual void pub_set_essential_for_vantor_desk_extraction(QStringList tables, QStringList ignored) = 0;
-    // The folder below which the plugin writes: Artifacts_Result/Cortana/Cortana.sqlite and a folder tmp/.
+    // The folder below which the plugin writes: Artifacts_Result/Cortana/Cortana.sqlite and a folder tmp/. Both folders
+    // are made at once; it may end in "/" or not.
     virtual void pub_set_result_directory(QString directory) = 0;
+    // Makes the database and its ten tables; what is there stays, rows included.
     virtual void pub_create_db_tables() = 0;
     // true: empties the selected tables. false: nothing.
     virtual void pub_set_clear_db(bool clear) = 0;
     virtual void pub_cancel_extraction() = 0;
+    // Looks for the source's files anew; what is not found here is never read.
     virtual void pub_find_source_file() = 0;
     virtual void pub_set_extended_attributes_list(QStringList attributes) = 0; // does nothing
+    // Adds the rows of the selected tables, emitting the signals below. A second call adds them again.
     virtual void pub_extract_artifacts() = 0;
-    virtual void pub_generate_chat_html_pages() = 0; // does nothing
-    virtual void pub_remove_temporary_asthetics() = 0;
+    virtual void pub_generate_chat_html_pages() = 0;   // does nothing
+    virtual void pub_remove_temporary_asthetics() = 0; // the database stays
 
 protected:
     using QFrame::QFrame;

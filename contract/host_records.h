@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The four records in which the host describes a case. They are passed by value; the field order is an interface
-// contract with the host and with every other plugin, so a field that this plugin ignores keeps its place.
+// contract with the host and with every other plugin, so a field that this plugin ignores keeps its place. Texts that
+// go into rows go as they are: a null one as NULL, an empty one as ''.
 #pragma once
 
 #include <QList>
@@ -13,9 +14,10 @@ struct struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_system_account {
     QString domain_user; // the account's domain user name
 };
 
-// The source being examined.
+// The source being examined. A relative root is taken from the working directory that the process has when the record
+// is set; a later change of that directory does not matter.
 struct struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info {
-    QString fs_extraction_source_path; // folder that stands for "C:/": absolute, ending in "/"
+    QString fs_extraction_source_path; // folder that stands for "C:/": ends in "/"
     QString source_path_2;             // kept, written nowhere
     QString os_scheme_display;         // operating system as shown to the user, written into every row
     QString os_scheme_internal;        // "macOS", "iOS_UID" or "winOS": selects the front

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Where the plugin writes below the result directory that the host gives it.
+// Where the plugin writes below the result directory that the host gives it. Texts are joined as they are; nothing is
+// looked up or made.
 #pragma once
 
 #include <QString>

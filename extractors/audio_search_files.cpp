@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 // latest_audio_search: one row per recorded voice search, from the file system alone.
 #include "common/plugin_static_function.h"
-#include "extractors/row_values.h"
-#include "extractors/step_run.h"
+#include "extractors/folder_procedure.h"
+#include "extractors/step_columns.h"
 #include "extractors/steps.h"
-#include "source/directory_walk.h"
 #include "source/readable_alias.h"
-#include "source/source_guard.h"
 
 namespace {
 
@@ -48,12 +46,6 @@ const bindings<audio_row> columns = {
     {"source_count_name", source_count_of},
 };
 
-// path with root's text taken off its front and a "/" there in any case.
-QString display_path(const QString& path, const QString& root) {
-    const QString shown = path_below_root(path, root);
-    return shown.startsWith(QLatin1Char('/')) ? shown : QLatin1Char('/') + shown;
-}
-
 file_times times_of(const walk_entry& entry, const readable_alias& file, const QString& root) {
     const QString relative = entry.path.mid(root.size());
     if (!relative.isEmpty() && relative.back().isSpace()) {
@@ -65,51 +57,26 @@ file_times times_of(const walk_entry& entry, const readable_alias& file, const Q
     return plugin_static_function::get_posix_timestamp(relative, root);
 }
 
-audio_row row_of(const walk_entry& entry, const row_origin& origin, const QString& root) {
+bool write_recording(step_run& run, const row_origin& folder, const walk_entry& entry) {
+    const QString& root = run.context.fs_extraction_source_path;
     const readable_alias file(entry);
     QString windows_path = entry.path;
     windows_path.replace(root, QStringLiteral("C:/"));
-    return {origin,
-            entry.path.mid(entry.path.lastIndexOf(QLatin1Char('/')) + 1),
-            plugin_static_function::mining_size(file.path()),
-            display_path(entry.path, root),
-            windows_path,
-            times_of(entry, file, root)};
+    // Not asked whether it is still there: its row tells.
+    run.insert(bound_values(columns, {folder, entry.path.mid(entry.path.lastIndexOf(QLatin1Char('/')) + 1),
+                                      plugin_static_function::mining_size(file.path()),
+                                      path_below_root(entry.path, root), windows_path, times_of(entry, file, root)}));
+    return true;
 }
 
-row_origin origin_of_folder(const QString& folder, const step_context& context) {
-    row_origin origin = origin_of(folder, context);
-    origin.source_file = display_path(origin.source_file, QString());
-    return origin;
-}
-
-// False when cancelled.
-bool list_folder(const QString& folder, step_run& run, source_guard& guard) {
-    if (!guard.exists(folder)) {
-        return true;
-    }
-    const row_origin origin = origin_of_folder(folder, run.context);
-    return walk_directory(folder, [&](const walk_entry& entry) {
-        if (run.cancelled()) {
-            return false;
-        }
-        if (leads_to_regular_file(entry, guard)) { // not asked whether it is still there: its row tells
-            run.insert(bound_values(columns, row_of(entry, origin, run.context.fs_extraction_source_path)));
-        }
-        return true;
-    });
-}
+const folder_step step{texts, "", write_recording};
 
 } // namespace
 
 void fill_latest_audio_search(const step_context& context, const QStringList& folders) {
-    run_step(context, texts, [&](step_run& run) {
-        source_guard guard(context.fs_extraction_source_path);
-        for (const QString& folder : folders) {
-            if (!list_folder(folder, run, guard)) {
-                return false;
-            }
-        }
-        return true;
-    });
+    run_folder_step(context, step, folders);
+}
+
+step_columns columns_of_latest_audio_search() {
+    return columns_of(texts, columns);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Result table cache_files: the files that Cortana left in the user's internet cache.
 #include "ese/cache.h"
+#include "extractors/step_columns.h"
 #include "extractors/steps.h"
 #include "extractors/webcache_paths.h"
 #include "extractors/webcache_procedure.h"
@@ -29,4 +30,8 @@ const webcache_step step{
 
 void fill_cache_files(const step_context& context, std::unique_ptr<specific_table>& reader, const QStringList& files) {
     run_webcache_step<cache>(context, step, reader, files);
+}
+
+step_columns columns_of_cache_files() {
+    return columns_of(step.texts, webcache_columns());
 }

@@ -2,6 +2,7 @@
 // Result table contact_triggers: the reminders that fire when the user deals with a contact.
 #include "ese/contact_triggers.h"
 #include "extractors/reminder_procedure.h"
+#include "extractors/step_columns.h"
 #include "extractors/steps.h"
 
 namespace {
@@ -45,4 +46,8 @@ const reminder_step<trigger> step{
 void fill_contact_triggers(const step_context& context, std::unique_ptr<contact_triggers>& reader,
                            const QStringList& files) {
     run_reminder_step(context, step, reader, files);
+}
+
+step_columns columns_of_contact_triggers() {
+    return columns_of(step.texts, step.columns);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Result table cookies: the cookies that Cortana's package stored.
 #include "ese/cookies.h"
+#include "extractors/step_columns.h"
 #include "extractors/steps.h"
 #include "extractors/webcache_paths.h"
 #include "extractors/webcache_procedure.h"
@@ -30,4 +31,8 @@ const webcache_step step{
 
 void fill_cookies(const step_context& context, std::unique_ptr<specific_table>& reader, const QStringList& files) {
     run_webcache_step<cookies>(context, step, reader, files);
+}
+
+step_columns columns_of_cookies() {
+    return columns_of(step.texts, webcache_columns());
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Result table domstore: the web storage that Cortana's package kept.
 #include "ese/domstore.h"
+#include "extractors/step_columns.h"
 #include "extractors/steps.h"
 #include "extractors/webcache_paths.h"
 #include "extractors/webcache_procedure.h"
@@ -31,4 +32,8 @@ const webcache_step step{
 
 void fill_domstore(const step_context& context, std::unique_ptr<specific_table>& reader, const QStringList& files) {
     run_webcache_step<domstore>(context, step, reader, files);
+}
+
+step_columns columns_of_domstore() {
+    return columns_of(step.texts, webcache_columns());
 }

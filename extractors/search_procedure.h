@@ -3,6 +3,7 @@
 // which a search text or a search time is found. An extractor describes itself as a search_step and makes one call.
 #pragma once
 
+#include "extractors/step_columns.h"
 #include "extractors/step_run.h"
 #include "registry/registry.h"
 
@@ -18,6 +19,9 @@ struct search_step {
     QString (*text)(const QByteArray& bytes);
     QString (*time)(const QByteArray& bytes);
 };
+
+// The statement and what both extractors bind to it.
+step_columns columns_of(const search_step& step);
 
 // False when the run was cancelled.
 bool walk_hives(step_run& run, const search_step& step, registry& walker, const QStringList& hives);

@@ -29,3 +29,7 @@ void fill_searches_from_com(const step_context& context, std::unique_ptr<search_
                             const QStringList& hives) {
     run_search_step(context, step, walker, hives);
 }
+
+step_columns columns_of_searches_from_com() {
+    return columns_of(step);
+}

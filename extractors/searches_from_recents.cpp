@@ -29,3 +29,7 @@ void fill_searches_from_recents(const step_context& context, std::unique_ptr<tex
                                 const QStringList& hives) {
     run_search_step(context, step, walker, hives);
 }
+
+step_columns columns_of_searches_from_recents() {
+    return columns_of(step);
+}

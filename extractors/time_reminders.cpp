@@ -2,6 +2,7 @@
 // Result table time_reminders: the reminders that fire at a time.
 #include "ese/timetriggers.h"
 #include "extractors/reminder_procedure.h"
+#include "extractors/step_columns.h"
 #include "extractors/steps.h"
 
 namespace {
@@ -46,4 +47,8 @@ const reminder_step<trigger> step{
 
 void fill_time_reminders(const step_context& context, std::unique_ptr<timetriggers>& reader, const QStringList& files) {
     run_reminder_step(context, step, reader, files);
+}
+
+step_columns columns_of_time_reminders() {
+    return columns_of(step.texts, step.columns);
 }

@@ -3,7 +3,6 @@
 #include "plugin/cortana_winos.h"
 
 #include "common/plugin_static_function.h"
-#include "common/text_decoding.h"
 #include "contract/log_marks.h"
 #include "ese/contact_triggers.h"
 #include "ese/place_triggers.h"
@@ -11,6 +10,7 @@
 #include "registry/search_from_com.h"
 #include "registry/text_search_registry.h"
 #include "source/discovery.h"
+#include "source/source_root.h"
 
 cortana_winos::cortana_winos(QWidget* parent) : QWidget(parent), progress_timer(std::make_unique<QElapsedTimer>()) {}
 
@@ -37,9 +37,9 @@ void cortana_winos::winos_set_desktop_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIF
 void cortana_winos::winos_set_general_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info) {}
 
 void cortana_winos::winos_set_source_info(struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source_info) {
-    fs_extraction_source_path = source_info.fs_extraction_source_path;
+    fs_extraction_source_path = absolute_root(source_info.fs_extraction_source_path);
     source_path_2 = source_info.source_path_2;
-    os_scheme_display = never_null(source_info.os_scheme_display); // written into rows
+    os_scheme_display = source_info.os_scheme_display;
     user_name_list.clear();
     for (const auto& account : qAsConst(source_info.system_account_QList)) {
         user_name_list << account.system_user << account.domain_user;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Owners of everything that hivex hands out: the open hive, zero-terminated handle arrays, names and value data. The
-// only place that names a hivex close or frees its memory.
+// only place that names a hivex close or frees its memory. Each may be null: hivex could not hand it out, and errno
+// tells why. Names and data are copies that outlive the hive.
 #pragma once
 
 #include <hivex.h>

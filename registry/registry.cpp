@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The walk over a hive. A hive is evidence: its lists of subkeys may form loops, share their entries or lead 10,000
 // keys down. So the descent keeps its own stack, and a walk reads no more bytes than a sound file of that size can
-// hold.
+// hold. What a key or value merely claims to hold counts for nothing: only what hivex handed out does.
 #include "registry/registry.h"
 
 #include "common/filetime.h"
@@ -23,18 +23,22 @@ constexpr size_t least_value_size = 24;
 constexpr size_t data_in_value_cell = 4;
 // A name in UTF-8 is up to twice as long as it is stored.
 constexpr qint64 utf8_growth = 2;
+// hivex may copy much of a value before it finds that the rest is not there. Damage does not repeat that so often over
+// the whole size of the file; a file made for it would take hours.
+constexpr qint64 most_failed_reads = 1000;
 
 // A handle that was narrowed to an int, back at its full width.
 hive_node_h widened(int node) {
     return static_cast<hive_node_h>(node);
 }
 
-size_t size_of_key(hive_h* hive, hive_node_h node) {
-    return qMax(least_key_size, hivex_node_struct_length(hive, node));
+// name: as hivex handed it out, null when it could not: the length that stands in the key is then not to be trusted.
+size_t size_of_key(hive_h* hive, hive_node_h node, const hive_text& name) {
+    return name == nullptr ? least_key_size : qMax(least_key_size, hivex_node_struct_length(hive, node));
 }
 
-size_t size_of_value(hive_h* hive, hive_value_h value) {
-    return qMax(least_value_size, hivex_value_struct_length(hive, value));
+size_t size_of_value(hive_h* hive, hive_value_h value, const hive_text& name) {
+    return name == nullptr ? least_value_size : qMax(least_value_size, hivex_value_struct_length(hive, value));
 }
 
 } // namespace
@@ -60,7 +64,9 @@ int registry::start_registry_parse(QString hive_file, QString key_path, bool onl
     if (root == 0) {
         return 0;
     }
-    readable_bytes = utf8_growth * file.size();
+    hive_bytes = file.size();
+    readable_bytes = utf8_growth * hive_bytes;
+    losable_bytes = most_failed_reads * hive_bytes;
     const hive_node_h node = get_user_node_handle(hive.get(), key_path, root);
     if (!only_this_key) {
         run_only_multiple_paths(hive.get(), node);
@@ -72,7 +78,7 @@ int registry::start_registry_parse(QString hive_file, QString key_path, bool onl
         record_list.append(record);
     }
     current_record = nullptr;
-    readable_bytes = unlimited;
+    readable_bytes = losable_bytes = unlimited;
     return 0;
 }
 
@@ -93,11 +99,8 @@ void registry::values_of_the_node(hive_h* hive, hive_node_h node) {
     }
     const hive_values values(hivex_node_values(hive, node));
     for (const hive_value_h* value = values.get(); value != nullptr && *value != 0; ++value) {
-        if (!may_read(size_of_value(hive, *value))) {
-            return;
-        }
         const hive_text name(hivex_value_key(hive, *value));
-        if (name == nullptr) {
+        if (!may_go_on(size_of_value(hive, *value, name)) || name == nullptr) {
             return;
         }
         find_node_value_length(hive, *value, QString::fromLatin1(name.get()));
@@ -145,10 +148,10 @@ QMap<QString, int> registry::prepare_the_node_key_child(hive_h* hive, hive_node_
     }
     const hive_nodes nodes(hivex_node_children(hive, node));
     for (const hive_node_h* child = nodes.get(); child != nullptr && *child != 0; ++child) {
-        if (!may_read(size_of_key(hive, *child))) {
+        const hive_text name(hivex_node_name(hive, *child));
+        if (!may_go_on(size_of_key(hive, *child, name))) {
             break;
         }
-        const hive_text name(hivex_node_name(hive, *child));
         node_name = QString::fromUtf8(name.get());
         if (name == nullptr) {
             continue;
@@ -156,8 +159,8 @@ QMap<QString, int> registry::prepare_the_node_key_child(hive_h* hive, hive_node_
         if (visit_values) {
             values_of_the_node(hive, *child);
         }
-        // Deliberate: hivex gives UTF-8 and it is read as Latin-1, so that the order of the walk and the names in the
-        // records stay what they always were.
+        // Deliberate: hivex gives UTF-8 and it is read as Latin-1. The order of the walk and the names in the records
+        // follow from it, and the suite's other walkers read names the same way.
         children.insert(QString::fromLatin1(name.get()), static_cast<int>(*child));
     }
     return children;
@@ -194,9 +197,9 @@ void registry::note_timestamp(hive_h* hive, hive_node_h node) {
         QString::number((hivex_node_timestamp(hive, node) - filetime::ticks_before_1970) / filetime::ticks_per_second);
 }
 
-bool registry::may_read(size_t bytes) {
+bool registry::may_go_on(size_t bytes) {
     readable_bytes = static_cast<qint64>(bytes) <= readable_bytes ? readable_bytes - static_cast<qint64>(bytes) : -1;
-    return readable_bytes >= 0;
+    return !is_exhausted();
 }
 
 quint32 registry::htoi(unsigned char* bytes, int) {
@@ -217,11 +220,17 @@ quint64 registry::epoc_time_conversion(QByteArray bytes) {
 QByteArray registry::raw_data(hive_h* hive, hive_value_h value) {
     hive_type type = hive_t_REG_NONE;
     size_t length = 0;
-    if (hivex_value_type(hive, value, &type, &length) != 0 || !may_read(length - qMin(length, data_in_value_cell))) {
+    if (is_exhausted() || hivex_value_type(hive, value, &type, &length) != 0) {
         return QByteArray();
     }
+    const auto claimed = static_cast<qint64>(length);
     const hive_data data(hivex_value_value(hive, value, &type, &length));
-    return data == nullptr ? QByteArray() : QByteArray(data.get(), static_cast<int>(length));
+    if (data == nullptr) {
+        losable_bytes -= qMin(claimed, hive_bytes);
+        return QByteArray();
+    }
+    return may_go_on(length - qMin(length, data_in_value_cell)) ? QByteArray(data.get(), static_cast<int>(length))
+                                                                : QByteArray();
 }
 
 QString registry::convert_data(hive_h* hive, hive_value_h value) {

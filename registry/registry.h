@@ -33,10 +33,14 @@ public:
 
     // Opens hive_file, finds the key at key_path (names with "\" between, a leading one is allowed; "\" alone is the
     // root) and walks the keys below it, or with only_this_key makes one record from that key's own values. Returns -1
-    // for an empty argument and for a file that is no readable hive, else 0. A missing key gives no records. The file
-    // is never written to, and no handle on it outlives the call.
+    // for an empty argument and for a file that is no readable hive (2 GiB and more count as none), else 0. A missing
+    // key gives no records. A damaged value or key costs itself; a walk that a hive's lists lead in circles ends with
+    // what it has. The file is never written to, and no handle on it outlives the call. The whole hive is held in
+    // memory.
     virtual int start_registry_parse(QString hive_file, QString key_path, bool only_this_key);
-    // The key at key_path below start; 0 when a part of the path is missing.
+    // hive, node, value: hivex's own and open, not owned; node 0 has no subkeys and no values.
+
+    // The key at key_path below start; 0 when a part of the path is missing. Names are compared without regard to case.
     virtual hive_node_h get_user_node_handle(hive_h* hive, QString key_path, hive_node_h start);
     // Offers each value of the key to find_node_value_length, in the hive's order.
     virtual void values_of_the_node(hive_h* hive, hive_node_h node);
@@ -76,9 +80,12 @@ protected:
 private:
     static constexpr qint64 unlimited = std::numeric_limits<qint64>::max();
 
-    // False, for the rest of the walk, once more was read than the hive can hold.
-    bool may_read(size_t bytes);
-    bool is_exhausted() const { return readable_bytes < 0; }
+    // Counts bytes that hivex handed out. False, for the rest of the walk, once they are more than the hive can hold.
+    bool may_go_on(size_t bytes);
+    bool is_exhausted() const { return readable_bytes < 0 || losable_bytes < 0; }
 
-    qint64 readable_bytes = unlimited; // left to this walk; steps called outside a walk have no limit
+    // Of this walk; steps called outside a walk have no limit.
+    qint64 hive_bytes = 0;
+    qint64 readable_bytes = unlimited; // left
+    qint64 losable_bytes = unlimited;  // left for data that hivex looked for and did not find whole
 };

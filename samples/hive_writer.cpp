@@ -29,6 +29,7 @@ constexpr int at_second_sequence = 0x08;
 constexpr int at_size_of_pages = 0x28;
 constexpr int at_checksum = 0x1fc;
 constexpr int at_page_size = 0x08;
+constexpr hive_node_h at_name_length = 0x06;
 constexpr hive_node_h at_data_length = 0x08;
 constexpr hive_node_h at_data = 0x0c;
 
@@ -159,6 +160,12 @@ void append_data(QByteArray& hive, hive_value_h value, const QByteArray& data) {
     put<quint32>(hive, value + at_data, static_cast<quint32>(cell - header_size));
     put<quint32>(hive, at_size_of_pages, static_cast<quint32>(end - header_size));
     put_checksum(hive);
+}
+
+// The cell of a key's value, by its place in hive order.
+hive_node_h value_cell(const QByteArray& hive, hive_writer::key of, quint32 number) {
+    const hive_node_h list = get<quint32>(hive, of + at_value_list) + header_size + sizeof(qint32);
+    return get<quint32>(hive, list + number * sizeof(quint32)) + static_cast<hive_node_h>(header_size);
 }
 
 } // namespace
@@ -306,13 +313,18 @@ void hive_damage::share_subkeys(QByteArray& hive, hive_writer::key of, hive_writ
 }
 
 QByteArray hive_damage::with_shared_data(QByteArray hive, hive_writer::key of) {
-    const hive_node_h list = get<quint32>(hive, of + at_value_list) + header_size + sizeof(qint32);
-    const auto value = [&](quint32 number) {
-        return get<quint32>(hive, list + number * sizeof(quint32)) + static_cast<hive_node_h>(header_size);
-    };
+    const hive_node_h first = value_cell(hive, of, 0);
     for (quint32 number = 1; number < get<quint32>(hive, of + at_value_count); ++number) {
-        put(hive, value(number) + at_data_length, get<quint32>(hive, value(0) + at_data_length));
-        put(hive, value(number) + at_data, get<quint32>(hive, value(0) + at_data));
+        put(hive, value_cell(hive, of, number) + at_data_length, get<quint32>(hive, first + at_data_length));
+        put(hive, value_cell(hive, of, number) + at_data, get<quint32>(hive, first + at_data));
     }
     return hive;
+}
+
+void hive_damage::claim_data_length(QByteArray& hive, hive_writer::key of, quint32 number, quint32 length) {
+    put(hive, value_cell(hive, of, number) + at_data_length, length);
+}
+
+void hive_damage::claim_name_length(QByteArray& hive, hive_writer::key of, quint32 number, quint16 length) {
+    put(hive, value_cell(hive, of, number) + at_name_length, length);
 }

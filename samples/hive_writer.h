@@ -76,4 +76,7 @@ void replace_bytes(QByteArray& hive, const QByteArray& from, const QByteArray& t
 void share_subkeys(QByteArray& hive, hive_writer::key of, hive_writer::key with);
 // Lets all values of a key have the data of its first one.
 QByteArray with_shared_data(QByteArray hive, hive_writer::key of);
+// Changes the length that a value of a key, by its place in hive order, claims for its data or its name.
+void claim_data_length(QByteArray& hive, hive_writer::key of, quint32 number, quint32 length);
+void claim_name_length(QByteArray& hive, hive_writer::key of, quint32 number, quint16 length);
 } // namespace hive_damage

@@ -8,7 +8,7 @@
 
 class source_guard {
 public:
-    // root: the source root as the host gave it. An empty or missing root lets nothing through.
+    // root: the source root, absolute (see source_root.h). An empty or missing root lets nothing through.
     explicit source_guard(const QString& root);
     ~source_guard();
     source_guard(const source_guard&) = delete;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SQL commands on real SQLite files, with the exact lines of every failure.
+#include "common/named_connection.h"
 #include "common/plugin_static_function.h"
 #include "tests/support/test_support.h"
 
@@ -25,6 +26,20 @@ private Q_SLOTS:
         folder.execute("create view looked_at as select 1"_q);
     }
     void init() { folder.take_log(); }
+
+    // The characters of a literal go with the library that it stands in; what Qt keeps registered must not.
+    void registered_texts_are_copies() {
+        const QString name = QStringLiteral("named by a literal");
+        const QString file = QStringLiteral(":memory:");
+        {
+            const QSqlDatabase kept = replace_connection(name, file);
+            QCOMPARE(kept.connectionName(), name);
+            QVERIFY(kept.connectionName().constData() != name.constData());
+            QCOMPARE(kept.databaseName(), file);
+            QVERIFY(kept.databaseName().constData() != file.constData());
+        }
+        QSqlDatabase::removeDatabase(name);
+    }
 
     void commands_change_rows() {
         const QString insert = "insert into changed values('3','three')"_q;

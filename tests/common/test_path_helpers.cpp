@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // User names, labels, file times, folder sizes, and the operations on the plugin's own folders.
+#include "common/birth_time.h"
 #include "common/plugin_static_function.h"
 #include "tests/support/test_support.h"
 
@@ -8,6 +9,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 using shared = plugin_static_function;
@@ -39,7 +41,9 @@ private Q_SLOTS:
         const auto users = shared::extract_user_name_from_sourcefile(path, "/r/"_q);
         QTEST(users.first, "system_user");
         QTEST(users.second, "domain_user");
-        QVERIFY(!users.first.isNull() && !users.second.isNull()); // '' in the database, not NULL
+        // '' in the database, not NULL, but for the text that the host gave as null.
+        QVERIFY(!users.first.isNull());
+        QCOMPARE(users.second.isNull(), users.first == "bernd"_q);
     }
 
     void user_names_without_accounts() {
@@ -79,11 +83,41 @@ private Q_SLOTS:
         struct statx status = {};
         QCOMPARE(::statx(AT_FDCWD, path.constData(), 0, STATX_BTIME, &status), 0);
         const bool has_birth_time = (status.stx_mask & STATX_BTIME) != 0;
-        QCOMPARE(times.creation, has_birth_time ? qint64(status.stx_btime.tv_sec) : 0);
+        QCOMPARE(times.creation, has_birth_time ? qint64(status.stx_btime.tv_sec) : birth_time_in_attribute(path));
         for (const char* missing : {"", "  ", "blank.bin "}) {
             const file_times none = shared::get_posix_timestamp(QLatin1String(missing), folder.root());
             QCOMPARE(none.creation + none.last_access + none.last_modification, qint64(0));
         }
+    }
+
+    void ntfs_time_data() {
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<qint64>("seconds");
+        const auto row = [](const char* name, const char* hex, qint64 seconds) {
+            QTest::newRow(name) << QByteArray::fromHex(hex) << seconds;
+        };
+        row("2020", "01d627ac2a354280", 1589212345);
+        row("not a whole second", "01d627ac2acdd8ff", 1589212345);
+        row("1601", "0000000000000001", -11644473599);
+        row("none", "0000000000000000", 0);
+        row("beyond 63 bits", "81d627ac2a354280", 0);
+        row("short", "01d627ac2a3542", 0);
+        row("long", "01d627ac2a35428000", 0);
+        row("empty", "", 0);
+    }
+    // The value itself, and as an attribute of a file; a user's own attribute stands for ntfs-3g's.
+    void ntfs_time() {
+        QFETCH(QByteArray, value);
+        QTEST(unix_seconds_of_ntfs_time(value), "seconds");
+        folder.write_file("born.bin"_q, "x");
+        const QByteArray path = QFile::encodeName(folder.root() + "born.bin"_q);
+        constexpr const char* attribute = "user.crtime_be";
+        QCOMPARE(birth_time_in_attribute(path, attribute), qint64(0));
+        if (::setxattr(path.constData(), attribute, value.constData(), size_t(value.size()), 0) != 0) {
+            QSKIP("the file system of the temporary folder takes no extended attributes");
+        }
+        QTEST(birth_time_in_attribute(path, attribute), "seconds");
+        QCOMPARE(::removexattr(path.constData(), attribute), 0);
     }
 
     void folder_size() {

@@ -124,9 +124,8 @@ private Q_SLOTS:
         other.fs_extraction_source_path = folder->root() + "./"_q;
         front->winos_set_source_info(other);
         front->extract_graph_search_files();
-        // The record's null text is written as ''.
         QCOMPARE(folder->dump("graphed_cache"_q, {"source_file"_q, "os_scheme_display"_q}),
-                 QStringList{"source_file=text:"_q + graph() + "a.ttl | os_scheme_display=text:"_q});
+                 QStringList{"source_file=text:"_q + graph() + "a.ttl | os_scheme_display=null:"_q});
     }
 
     void cancelled_at_an_unreadable_file() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What all steps share, each over the sample's two profiles: the log of failures, cancel, evidence that is damaged,
 // rows that cannot be committed.
+#include "common/plugin_static_function.h"
 #include "ese/cookies.h"
 #include "ese/timetriggers.h"
 #include "extractors/reminder_procedure.h"
@@ -177,6 +178,45 @@ private Q_SLOTS:
         QCOMPARE(folder->dump(table_of(number)).size(), refused - 1);
         QCOMPARE(log.filter("refused"_q).size(), 1);
         QTEST(log.filter("ENDS"_q).size(), "ends");
+    }
+
+    void null_texts_of_the_host_data() { add_steps(); }
+
+    // They stay NULL in rows. bernd's folder is known by the domain user only, whose account it is not taken for.
+    void null_texts_of_the_host() {
+        QFETCH(int, number);
+        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
+        source.fs_extraction_source_path = folder->root();
+        source.system_account_QList = {{"anna"_q, QString()}, {QString(), "bernd"_q}};
+        plugin_static_function::set_source_info(source);
+        front->winos_set_source_info(source);
+        front->find_source_file();
+        run(number);
+        QStringList rows = folder->dump(table_of(number), {"system_user"_q, "domain_user"_q, "os_scheme_display"_q});
+        rows.removeDuplicates();
+        QCOMPARE(rows, QStringList({"system_user=text:anna | domain_user=null: | os_scheme_display=null:"_q,
+                                    "system_user=text:bernd | domain_user=text: | os_scheme_display=null:"_q}));
+    }
+
+    void relative_root_data() { add_steps(); }
+
+    // It means what it means when it is set: the rows are those of the absolute root, wherever the process goes then.
+    void relative_root() {
+        QFETCH(int, number);
+        run(number);
+        const QStringList rows = folder->dump(table_of(number));
+        folder->execute("delete from "_q + table_of(number));
+        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source;
+        source.fs_extraction_source_path = "source/"_q;
+        source.os_scheme_display = "Windows"_q;
+        source.system_account_QList = plugin_static_function::system_account_QList;
+        QVERIFY(QDir::setCurrent(folder->root() + ".."_q));
+        front->winos_set_source_info(source);
+        QVERIFY(QDir::setCurrent("/"_q));
+        front->find_source_file();
+        run(number);
+        QVERIFY(!rows.isEmpty());
+        QCOMPARE(folder->dump(table_of(number)), rows);
     }
 
     void damaged_file_data() {

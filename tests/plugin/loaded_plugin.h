@@ -94,6 +94,11 @@ public:
         object->pub_find_source_file();
         object->pub_extract_artifacts();
     }
+    // Deletes the object and closes the library; false when the library cannot be closed.
+    bool unload() {
+        object.reset();
+        return library.unload();
+    }
     host_interface* operator->() const { return object.get(); }
     signal_recorder signals_seen;
 

@@ -114,6 +114,10 @@ private Q_SLOTS:
         ::close(::openat(handle, "short", O_CREAT | O_WRONLY, 0600));
         ::close(::openat(handle, longest_name.constData(), O_CREAT | O_WRONLY, 0600));
         const QStringList names = walked("long"_q);
+        // Nor does the gate let it through, though the handle that it keeps on the folder would find it.
+        source_guard guard(base());
+        QVERIFY(guard.exists(deepest + "/short"));
+        QVERIFY(!guard.exists(deepest + '/' + longest_name));
         QCOMPARE(::unlinkat(handle, longest_name.constData(), 0), 0); // no path could name it
         ::close(handle);
         QCOMPARE(names.size(), levels + 1);
