@@ -114,6 +114,14 @@ bool is_right(std::string_view page, quint32 number) {
     return is_large(page) ? are_quarters_right(page, number) : is_small_page_right(page, number);
 }
 
+// The page number that a large page, or one with a checksum of the old kind, carries; 0: it carries none.
+quint32 number_told(std::string_view page) {
+    if (is_large(page)) {
+        return number_at<quint32>(page, 64);
+    }
+    return has_old_sum(page) ? number_at<quint32>(page, 4) : 0;
+}
+
 } // namespace
 
 quint32 ese_header_sum(std::string_view header) {
@@ -141,15 +149,8 @@ quint64 ese_block_sum(std::string_view block, quint32 page_number, bool is_first
     return quint64{code} << 32 | (all ^ page_number);
 }
 
-quint32 ese_page_number_told(std::string_view page) {
-    if (is_large(page)) {
-        return number_at<quint32>(page, 64);
-    }
-    return has_old_sum(page) ? number_at<quint32>(page, 4) : 0;
-}
-
 ese_page_sum judge_ese_page_sum(std::string_view page, quint32 page_number) {
-    const quint32 told = ese_page_number_told(page);
+    const quint32 told = number_told(page);
     const bool is_other = told != 0 && told != page_number;
     if (is_right(page, is_other ? told : page_number)) {
         return is_other ? ese_page_sum::of_another_page : ese_page_sum::right;

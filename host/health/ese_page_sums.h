@@ -21,6 +21,3 @@ enum class ese_page_sum { right, wrong, of_another_page };
 // Judges a whole page (a power of two from 2048 to 32768 bytes) by the kind of checksum that it says it has. A page
 // that carries its number and is whole, but has another number, is one of another page.
 ese_page_sum judge_ese_page_sum(std::string_view page, quint32 page_number);
-
-// The page number that a large page, or one with a checksum of the old kind, carries; 0: it carries none.
-quint32 ese_page_number_told(std::string_view page);

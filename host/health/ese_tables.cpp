@@ -48,7 +48,7 @@ void ese_tables::add_catalog_page(const page_view& page, quint32 page_number) {
 ese_trees::walked_tree ese_tables::walk_once(quint32 root, quint32 object, ese_trees& trees, page_damage& damage) {
     const quint64 tree = quint64{root} << 32 | object;
     const auto known = walked.constFind(tree);
-    return known != walked.constEnd() ? *known : *walked.insert(tree, trees.walk(root, object, &damage));
+    return known != walked.constEnd() ? *known : *walked.insert(tree, trees.walk(root, object, damage));
 }
 
 void ese_tables::choose_entries(ese_trees& trees, page_damage& damage, file_health& result) {

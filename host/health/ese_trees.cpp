@@ -14,7 +14,7 @@ constexpr int most_children = 2 * most_pages;
 
 struct ese_trees::walk_state {
     quint32 object;
-    page_damage* damage;
+    page_damage& damage;
     QVector<quint32> open;     // pages to visit
     QVector<quint32> doubtful; // pages that a damaged one led to
     walked_tree result;
@@ -69,9 +69,9 @@ void ese_trees::collect_children(quint32 page, QVector<quint32>& into) const {
 
 void ese_trees::visit(quint32 page, bool is_sure, walk_state& walk) {
     if (const char* const fault = fault_of(page, walk.object)) {
-        walk.result.damaged += is_sure ? 1 : 0;
-        if (is_sure && walk.damage != nullptr) {
-            walk.damage->add_by_tree(page, walk.object, fault);
+        if (is_sure) {
+            ++walk.result.damaged;
+            walk.damage.add_by_tree(page, walk.object, fault);
         }
         return;
     }
@@ -87,7 +87,7 @@ void ese_trees::visit(quint32 page, bool is_sure, walk_state& walk) {
     collect_children(page, is_sure && !note.has(damaged) ? walk.open : walk.doubtful);
 }
 
-ese_trees::walked_tree ese_trees::walk(quint32 root, quint32 object, page_damage* damage) {
+ese_trees::walked_tree ese_trees::walk(quint32 root, quint32 object, page_damage& damage) {
     walk_state walk{object, damage, {root}, {}, {}};
     while (!walk.open.isEmpty()) {
         visit(walk.open.takeLast(), true, walk);

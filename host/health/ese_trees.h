@@ -5,7 +5,6 @@
 #pragma once
 
 #include "host/health/page_damage.h"
-#include "host/health/page_view.h"
 
 #include <QHash>
 
@@ -29,8 +28,8 @@ public:
         qint64 entries = 0; // of its leaves; those of damaged ones are counted as they stand
         qint64 damaged = 0; // pages
     };
-    // Walks the tree of an object and marks its pages as reached. New damage goes to `damage`; null: it is not told.
-    walked_tree walk(quint32 root, quint32 object, page_damage* damage);
+    // Walks the tree of an object and marks its pages as reached. New damage goes to `damage`.
+    walked_tree walk(quint32 root, quint32 object, page_damage& damage);
 
     bool is_reached(quint32 page) const;
     // The object that led to the page; 0: none did.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the check of one evidence file found, as plain values: a report prints them, a run record keeps them.
 // Texts are complete ("its checksum is wrong") and name no path. Times are ISO 8601, ending in "Z" where the file says
-// that they are UTC; null: none is there. Counts of -1 are not known.
+// that they are UTC; null: none is there.
 #pragma once
 
 #include <QString>
