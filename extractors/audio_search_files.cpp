@@ -83,13 +83,12 @@ row_origin origin_of_folder(const QString& folder, const step_context& context) 
     return origin;
 }
 
-// False when cancelled.
-bool list_folder(const QString& folder, step_run& run, source_guard& guard) {
+void list_folder(const QString& folder, step_run& run, source_guard& guard) {
     if (!guard.exists(folder)) {
-        return true;
+        return;
     }
     const row_origin origin = origin_of_folder(folder, run.context);
-    return walk_directory(folder, [&](const walk_entry& entry) {
+    walk_directory(folder, [&](const walk_entry& entry) {
         if (run.cancelled()) {
             return false;
         }
@@ -106,10 +105,10 @@ void fill_latest_audio_search(const step_context& context, const QStringList& fo
     run_step(context, texts, [&](step_run& run) {
         source_guard guard(context.fs_extraction_source_path);
         for (const QString& folder : folders) {
-            if (!list_folder(folder, run, guard)) {
-                return false;
+            if (run.cancelled()) {
+                return;
             }
+            list_folder(folder, run, guard);
         }
-        return true;
     });
 }

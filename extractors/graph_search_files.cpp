@@ -83,10 +83,9 @@ bool write_entities(const QByteArray& content, const row_origin& origin, step_ru
     return false;
 }
 
-// False when cancelled.
-bool read_folder(const QString& folder, step_run& run, source_guard& guard) {
+void read_folder(const QString& folder, step_run& run, source_guard& guard) {
     row_origin origin = origin_of(folder, run.context); // the users are the folder's, the source file is each file
-    return walk_directory(folder, [&](const walk_entry& entry) {
+    walk_directory(folder, [&](const walk_entry& entry) {
         if (run.cancelled()) {
             return false;
         }
@@ -110,10 +109,10 @@ void fill_graphed_cache(const step_context& context, const QStringList& folders)
     run_step(context, texts, [&](step_run& run) {
         source_guard guard(context.fs_extraction_source_path);
         for (const QString& folder : folders) {
-            if (!read_folder(folder, run, guard)) {
-                return false;
+            if (run.cancelled()) {
+                return;
             }
+            read_folder(folder, run, guard);
         }
-        return true;
     });
 }
