@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <new>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -18,6 +20,17 @@ double seconds_of(const timeval& time) {
 
 using clock_time = std::chrono::steady_clock::time_point;
 
+double seconds_since(clock_time start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Of this process.
+double processor_seconds() {
+    rusage used = {};
+    ::getrusage(RUSAGE_SELF, &used);
+    return seconds_of(used.ru_utime) + seconds_of(used.ru_stime);
+}
+
 child_figures figures_of(pid_t child, clock_time start) {
     child_figures figures;
     int status = 0;
@@ -25,7 +38,7 @@ child_figures figures_of(pid_t child, clock_time start) {
     if (child > 0 && ::wait4(child, &status, 0, &used) == child) {
         figures.succeeded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
     }
-    figures.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    figures.seconds = seconds_since(start);
     figures.processor_seconds = seconds_of(used.ru_utime) + seconds_of(used.ru_stime);
     figures.peak_megabytes = static_cast<double>(used.ru_maxrss) / 1024;
     return figures;
@@ -66,6 +79,28 @@ child_figures run_work(const std::function<void()>& work) {
         ::_exit(0);
     }
     return figures_of(child, start);
+}
+
+child_figures run_measured(const std::function<void()>& prepare, const std::function<void()>& work) {
+    // The child's own look at its clocks; memory that it shares with this process brings it here.
+    void* const shared =
+        ::mmap(nullptr, sizeof(child_figures), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (shared == MAP_FAILED) {
+        return {};
+    }
+    auto* const measured = new (shared) child_figures;
+    child_figures figures = run_work([&] {
+        prepare();
+        const auto start = std::chrono::steady_clock::now();
+        const double processor_before = processor_seconds();
+        work();
+        measured->seconds = seconds_since(start);
+        measured->processor_seconds = processor_seconds() - processor_before;
+    });
+    figures.seconds = measured->seconds;
+    figures.processor_seconds = measured->processor_seconds;
+    ::munmap(shared, sizeof(child_figures));
+    return figures;
 }
 
 child_figures must_run(const std::function<void()>& work) {

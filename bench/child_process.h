@@ -19,7 +19,9 @@ child_figures run_child(const std::string& program, const std::vector<std::strin
 child_figures run_self(const std::vector<std::string>& arguments);
 // Runs work in a fork of this process; its output stays. Work that does not return (a signal, an exit) has failed.
 child_figures run_work(const std::function<void()>& work);
-// The same for work without which the benchmark cannot go on: ends the program when it failed.
+// The same with the seconds of work alone, without what prepare did in front of it.
+child_figures run_measured(const std::function<void()>& prepare, const std::function<void()>& work);
+// As run_work, for work without which the benchmark cannot go on: ends the program when it failed.
 child_figures must_run(const std::function<void()>& work);
 // Of so many runs the one that took least of the processor; a failed one ends them and is the answer.
 child_figures best_of(int rounds, const std::function<child_figures()>& run);

@@ -2,6 +2,6 @@
 // Reader of WebCacheV01.dat for the cached files.
 #pragma once
 
-#include "ese/webcache_reader.h"
+#include "ese/container_reader.h"
 
-class cache : public webcache_reader {};
+class cache : public container_reader {};

@@ -2,6 +2,6 @@
 // Reader of WebCacheV01.dat for the cookies.
 #pragma once
 
-#include "ese/webcache_reader.h"
+#include "ese/container_reader.h"
 
-class cookies : public webcache_reader {};
+class cookies : public container_reader {};

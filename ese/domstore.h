@@ -2,6 +2,6 @@
 // Reader of WebCacheV01.dat for the DOM storage.
 #pragma once
 
-#include "ese/webcache_reader.h"
+#include "ese/container_reader.h"
 
-class domstore : public webcache_reader {};
+class domstore : public container_reader {};

@@ -89,7 +89,7 @@ QByteArray binary_hex(const value_place& at) {
 }
 
 template <size_t Capacity>
-QByteArray text_of(const value_place& at) {
+QByteArray text_in_record(const value_place& at) {
     ese::value_buffer<Capacity> value;
     read_value(value, at, libesedb_record_get_value_utf8_string_size, libesedb_record_get_value_utf8_string);
     return value.text();
@@ -169,10 +169,10 @@ QByteArray specific_table::record_type_case(libesedb_record_t* record, int value
     case LIBESEDB_COLUMN_TYPE_LARGE_BINARY_DATA:
         return is_long(at) ? long_binary_hex(at, may) : binary_hex<large_value>(at);
     case LIBESEDB_COLUMN_TYPE_TEXT:
-        return text_of<ordinary_value>(at);
+        return text_in_record<ordinary_value>(at);
     case LIBESEDB_COLUMN_TYPE_LARGE_TEXT:
     case LIBESEDB_COLUMN_TYPE_SUPER_LARGE_VALUE:
-        return is_long(at) ? long_text(at, may) : text_of<large_value>(at);
+        return is_long(at) ? long_text(at, may) : text_in_record<large_value>(at);
     default:
         return raw_text(at);
     }

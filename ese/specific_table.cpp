@@ -26,7 +26,6 @@ int specific_table::start_chain(const QString& file_path, const QString& table_n
     if (!file) {
         return -1;
     }
-    walk_stopped = false;
     long_bytes_left = most_long_bytes(file_path);
     get_desired_table(file.get(), nullptr, table_name, extra...);
     long_bytes_left = unlimited;
@@ -51,7 +50,8 @@ int specific_table::walk_records(libesedb_table_t* table, libesedb_error_t* erro
     }
     QVector<QString> names;
     names_of_table = &names;
-    for (int index = 0; index < count && !walk_stopped; ++index) {
+    bool is_wanted = true;
+    for (int index = 0; index < count && is_wanted; ++index) {
         libesedb_record_t* record = nullptr;
         status = libesedb_table_get_record(table, index, &record, nullptr);
         const ese::record_handle owned(record);
@@ -59,6 +59,7 @@ int specific_table::walk_records(libesedb_table_t* table, libesedb_error_t* erro
             break;
         }
         get_column_name_and_type(record, error, extra...);
+        is_wanted = !record_sink || record_sink();
     }
     names_of_table = nullptr;
     return status;

@@ -11,11 +11,14 @@
 
 #include <libesedb.h>
 
+#include <functional>
 #include <limits>
+#include <utility>
 
 // Nothing is logged and nothing throws: a file that does not open gives -1, a missing table no records, an unreadable
 // record ends its table, a record with an unreadable column type is dropped, an unreadable value gives empty text.
-// The lists only ever grow, over all tables, keys and files that one reader reads. One thread at a time.
+// The lists only ever grow, over all tables, keys and files that one reader reads, unless a sink takes the records. One
+// thread at a time.
 //
 // There are three chains of calls, one for each start_parsing; they differ in what they carry down to the hook:
 //   plain             nothing                 struct_data           into list_struct_data
@@ -117,6 +120,11 @@ public:
     specific_table(const specific_table&) = delete;
     specific_table& operator=(const specific_table&) = delete;
 
+    // sink is called after each record of a table, whichever the chain and whether or not the record was appended; it
+    // may take what the lists hold, so that they do not grow with the table. False ends the walk of that table. An
+    // empty function, as at first: all records are kept.
+    void set_record_sink(std::function<bool()> sink) { record_sink = std::move(sink); }
+
     // The virtual operations stand in the order of their slots, which subclasses rely on. All handles are libesedb's
     // and not owned; error may be null and is only handed on: libesedb is asked for no error texts, since nobody
     // shows them and they would grow with every failed call.
@@ -163,9 +171,6 @@ protected:
     void walk_values(libesedb_record_t* record, libesedb_error_t* error, QList<Record>& list, Record*& current,
                      const Extra&... extra);
 
-    // Set by a subclass that wants no further record of the table being walked.
-    bool walk_stopped = false;
-
 private:
     template <class... Extra>
     int start_chain(const QString& file_path, const QString& table_name, const Extra&... extra);
@@ -179,6 +184,8 @@ private:
     // them costs more than the values. Null outside a walk.
     QVector<QString>* names_of_table = nullptr;
     QString name_outside_walk;
+
+    std::function<bool()> record_sink;
 
     // Bytes of long values that the running start_parsing may still hand out. Any number of records may refer to one
     // long value, so a small file could ask for more memory than there is; a value past this counts as unreadable.

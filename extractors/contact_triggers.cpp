@@ -8,7 +8,6 @@
 namespace {
 
 using trigger = specific_table::struct_contact_trigger_data;
-using row = reminder_row<trigger>;
 
 const reminder_step<trigger> step{
     {
@@ -26,18 +25,13 @@ const reminder_step<trigger> step{
     QStringLiteral("ContactTriggers"),
     &specific_table::list_contact_trigger_data,
     {
-        {"system_user", system_user_of},
-        {"domain_user", domain_user_of},
-        {"contact_name", [](const row& r) -> QVariant { return r.trigger.contact_name; }},
-        {"title", title_of},
-        {"text", text_of},
-        {"creation_time", creation_time_of},
-        {"last_update_time", last_update_time_of},
-        {"last_access_time", last_access_time_of},
-        {"completion_time", completion_time_of},
-        {"source_file", source_file_of},
-        {"os_scheme_display", os_scheme_of},
-        {"source_count_name", source_count_of},
+        {"contact_name", [](const trigger& t) -> QVariant { return t.contact_name; }},
+        {"title", from_reminder},
+        {"text", from_reminder},
+        {"creation_time", from_reminder},
+        {"last_update_time", from_reminder},
+        {"last_access_time", from_reminder},
+        {"completion_time", from_reminder},
     },
 };
 

@@ -10,13 +10,12 @@
 
 namespace {
 
-// False when cancelled.
-bool read_folder(step_run& run, const folder_step& step, source_guard& guard, const QString& folder) {
+void read_folder(step_run& run, const folder_step& step, source_guard& guard, const QString& folder) {
     if (!guard.exists(folder)) {
-        return true;
+        return;
     }
     const row_origin origin = origin_of(folder, run.context);
-    return walk_directory(folder, [&](const walk_entry& entry) {
+    walk_directory(folder, [&](const walk_entry& entry) {
         if (run.cancelled()) {
             return false;
         }
@@ -25,21 +24,20 @@ bool read_folder(step_run& run, const folder_step& step, source_guard& guard, co
     });
 }
 
-// False when cancelled.
-bool read_folders(step_run& run, const folder_step& step, const QStringList& folders) {
+void read_folders(step_run& run, const folder_step& step, const QStringList& folders) {
     source_guard guard(run.context.fs_extraction_source_path);
     for (const QString& folder : folders) {
-        if (run.cancelled() || !read_folder(run, step, guard, folder)) {
-            return false;
+        if (run.cancelled()) {
+            return;
         }
+        read_folder(run, step, guard, folder);
     }
-    return true;
 }
 
 } // namespace
 
 void run_folder_step(const step_context& context, const folder_step& step, const QStringList& folders) {
-    run_step(context, step.texts, [&](step_run& run) { return read_folders(run, step, folders); });
+    run_step(context, step.texts, [&](step_run& run) { read_folders(run, step, folders); });
 }
 
 std::optional<QByteArray> whole_content(const QByteArray& native_path) {

@@ -2,13 +2,13 @@
 // Result table place_reminders: the reminders that fire at a place.
 #include "ese/place_triggers.h"
 #include "extractors/reminder_procedure.h"
+#include "extractors/row_values.h"
 #include "extractors/step_columns.h"
 #include "extractors/steps.h"
 
 namespace {
 
 using trigger = specific_table::struct_place_reminder_data;
-using row = reminder_row<trigger>;
 
 // Deliberate: "Starts" in mixed case and the blank in front of the insertion message are what this step has always
 // logged; hosts filter on the exact texts.
@@ -28,23 +28,18 @@ const reminder_step<trigger> step{
     QStringLiteral("LocationTriggers"),
     &specific_table::list_place_reminder_data,
     {
-        {"system_user", system_user_of},
-        {"domain_user", domain_user_of},
-        {"title", title_of},
-        {"text", text_of},
-        {"place", [](const row& r) -> QVariant { return r.trigger.name; }},
-        {"latitude", [](const row& r) -> QVariant { return r.trigger.latitude; }},
-        {"longitude", [](const row& r) -> QVariant { return r.trigger.longitude; }},
-        {"map_url", [](const row& r) -> QVariant { return map_url(r.trigger.latitude, r.trigger.longitude); }},
-        {"radius", [](const row& r) -> QVariant { return r.trigger.radius; }},
-        {"creation_time", creation_time_of},
-        {"last_update_time", last_update_time_of},
-        {"last_access_time", last_access_time_of},
-        {"completion_time", completion_time_of},
-        {"start_date_time", [](const row& r) -> QVariant { return filetime_to_unix_seconds(r.trigger.start_date); }},
-        {"source_file", source_file_of},
-        {"os_scheme_display", os_scheme_of},
-        {"source_count_name", source_count_of},
+        {"title", from_reminder},
+        {"text", from_reminder},
+        {"place", [](const trigger& t) -> QVariant { return t.name; }},
+        {"latitude", [](const trigger& t) -> QVariant { return t.latitude; }},
+        {"longitude", [](const trigger& t) -> QVariant { return t.longitude; }},
+        {"map_url", [](const trigger& t) -> QVariant { return map_url(t.latitude, t.longitude); }},
+        {"radius", [](const trigger& t) -> QVariant { return t.radius; }},
+        {"creation_time", from_reminder},
+        {"last_update_time", from_reminder},
+        {"last_access_time", from_reminder},
+        {"completion_time", from_reminder},
+        {"start_date_time", [](const trigger& t) -> QVariant { return filetime_to_unix_seconds(t.start_date); }},
     },
 };
 

@@ -4,19 +4,23 @@
 #pragma once
 
 #include "ese/specific_table.h"
-#include "extractors/reminder_pairing.h"
-#include "extractors/row_values.h"
+#include "extractors/packed_rows.h"
 #include "extractors/step_run.h"
+
+#include <QStringList>
 
 #include <functional>
 #include <memory>
 
-// What a result row is made of. A pair without a reminder has one whose fields are all empty.
+// Stands for a value in reminder_column: the next of the reminder's title, text, and times of creation, last update,
+// last access and completion. All are empty in the row of a pair without a reminder.
+constexpr std::nullptr_t from_reminder = nullptr;
+
+// One bound value of an insert: the column it goes to (for the reader, in statement order) and how a trigger gives it.
 template <class Trigger>
-struct reminder_row {
-    const row_origin& origin;
-    const specific_table::struct_remainder_data& reminder;
-    const Trigger& trigger;
+struct reminder_column {
+    const char* column;
+    QVariant (*value)(const Trigger& trigger);
 };
 
 // One step as data.
@@ -26,48 +30,20 @@ struct reminder_step {
     QString kind;          // of the plain records that give keys, compared exactly
     QString trigger_table; // read through the keyed chain
     QList<Trigger> specific_table::*triggers;
-    bindings<reminder_row<Trigger>> columns;
+    QVector<reminder_column<Trigger>> columns; // those between the two users and the three that tell the source
 };
 
-// Values that the steps share.
-template <class Row>
-QVariant title_of(const Row& row) {
-    return row.reminder.title;
-}
-template <class Row>
-QVariant text_of(const Row& row) {
-    return row.reminder.text;
-}
-template <class Row>
-QVariant creation_time_of(const Row& row) {
-    return filetime_to_unix_seconds(row.reminder.creation_time);
-}
-template <class Row>
-QVariant last_update_time_of(const Row& row) {
-    return filetime_to_unix_seconds(row.reminder.last_update_time);
-}
-template <class Row>
-QVariant last_access_time_of(const Row& row) {
-    return filetime_to_unix_seconds(row.reminder.last_access_time);
-}
-template <class Row>
-QVariant completion_time_of(const Row& row) {
-    return filetime_to_unix_seconds(row.reminder.completion_time);
-}
-
-// The walk over the files, for any trigger record. trigger_row_at and values_at take indexes into the reader's trigger
-// list; trigger_count tells its length.
+// The walk over the files, for any trigger record.
 struct reminder_walk {
     QString kind;
     QString trigger_table;
-    std::function<int()> trigger_count;
-    std::function<reminder_pairing::trigger_row(int trigger)> trigger_row_at;
-    std::function<QVector<QVariant>(const row_origin&, const specific_table::struct_remainder_data&, int trigger)>
-        values_at;
+    QVector<bool> is_from_reminder; // for each column
+    // Moves what the reader's trigger list holds to two stores: of each record its id and whether the reader stamped
+    // it with the key, and the values that its row takes.
+    std::function<void(packed_rows& ids, packed_rows& values)> keep_triggers;
 };
 
-// False when the run was cancelled.
-bool walk_reminders(step_run& run, const reminder_walk& walk, specific_table& reader, const QStringList& files);
+void walk_reminders(step_run& run, const reminder_walk& walk, specific_table& reader, const QStringList& files);
 
 // Runs the whole step over files. The reader lives in the owner's member while the step runs.
 template <class Reader, class Trigger>
@@ -75,18 +51,25 @@ void run_reminder_step(const step_context& context, const reminder_step<Trigger>
                        const QStringList& files) {
     run_step(context, step.texts, [&](step_run& run) {
         reader = std::make_unique<Reader>();
-        const QList<Trigger>& triggers = (*reader).*step.triggers;
-        const reminder_walk walk{
-            step.kind, step.trigger_table, [&] { return triggers.size(); },
-            [&](int trigger) {
-                const Trigger& row = triggers.at(trigger);
-                return reminder_pairing::trigger_row{row.id, !row.lookup_key.isEmpty()};
-            },
-            [&](const row_origin& origin, const specific_table::struct_remainder_data& reminder, int trigger) {
-                return bound_values(step.columns, reminder_row<Trigger>{origin, reminder, triggers.at(trigger)});
-            }};
-        const bool finished = walk_reminders(run, walk, *reader, files);
+        reminder_walk walk{step.kind, step.trigger_table, {}, {}};
+        for (const reminder_column<Trigger>& column : step.columns) {
+            walk.is_from_reminder.append(column.value == from_reminder);
+        }
+        walk.keep_triggers = [&](packed_rows& ids, packed_rows& values) {
+            QList<Trigger>& triggers = (*reader).*step.triggers;
+            for (const Trigger& trigger : qAsConst(triggers)) {
+                QVector<QVariant> kept;
+                for (const reminder_column<Trigger>& column : step.columns) {
+                    if (column.value != from_reminder) {
+                        kept.append(column.value(trigger));
+                    }
+                }
+                ids.append({trigger.id, !trigger.lookup_key.isEmpty()});
+                values.append(kept);
+            }
+            triggers.clear();
+        };
+        walk_reminders(run, walk, *reader, files);
         reader.reset();
-        return finished;
     });
 }

@@ -23,11 +23,10 @@ const bindings<search_row> columns = {
     {"source_count_name", source_count_of},
 };
 
-// False when cancelled.
-bool write_records(step_run& run, const search_step& step, const registry& walker, const row_origin& origin) {
+void write_records(step_run& run, const search_step& step, const registry& walker, const row_origin& origin) {
     for (const registry::my_data_inst_apps& record : walker.record_list) {
         if (run.cancelled()) {
-            return false;
+            return;
         }
         const QByteArray bytes = step.searched_bytes(record);
         const search_row row{origin, step.text(bytes), step.time(bytes)};
@@ -35,7 +34,6 @@ bool write_records(step_run& run, const search_step& step, const registry& walke
             run.insert(bound_values(columns, row));
         }
     }
-    return true;
 }
 
 } // namespace
@@ -44,16 +42,16 @@ step_columns columns_of(const search_step& step) {
     return columns_of(step.texts, columns);
 }
 
-bool walk_hives(step_run& run, const search_step& step, registry& walker, const QStringList& hives) {
+void walk_hives(step_run& run, const search_step& step, registry& walker, const QStringList& hives) {
     for (const QString& hive : hives) {
         if (run.cancelled()) {
-            return false;
+            return;
         }
         walker.record_list.clear();
         walker.start_registry_parse(hive, QLatin1String(step.key_path), false);
-        if (!write_records(run, step, walker, origin_of(hive, run.context))) {
-            return false;
+        if (run.cancelled()) {
+            return;
         }
+        write_records(run, step, walker, origin_of(hive, run.context));
     }
-    return true;
 }

@@ -23,8 +23,7 @@ struct search_step {
 // The statement and what both extractors bind to it.
 step_columns columns_of(const search_step& step);
 
-// False when the run was cancelled.
-bool walk_hives(step_run& run, const search_step& step, registry& walker, const QStringList& hives);
+void walk_hives(step_run& run, const search_step& step, registry& walker, const QStringList& hives);
 
 // Runs the whole step over hives. The walker lives in the owner's member while the step runs.
 template <class Walker>
@@ -32,8 +31,7 @@ void run_search_step(const step_context& context, const search_step& step, std::
                      const QStringList& hives) {
     run_step(context, step.texts, [&](step_run& run) {
         walker = std::make_unique<Walker>();
-        const bool finished = walk_hives(run, step, *walker, hives);
+        walk_hives(run, step, *walker, hives);
         walker.reset();
-        return finished;
     });
 }

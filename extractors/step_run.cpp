@@ -31,10 +31,10 @@ void step_run::log_insert_failure() const {
     log(QLatin1String(lines.query_prefix) + session.executed_query());
 }
 
-void run_step(const step_context& context, const step_texts& texts, const std::function<bool(step_run&)>& body) {
+void run_step(const step_context& context, const step_texts& texts, const std::function<void(step_run&)>& body) {
     const QString function = QLatin1String(texts.function);
     plugin_static_function::app_debug(QLatin1String(texts.started), function);
-    bool finished = false;
+    bool was_cancelled = false;
     {
         insert_session session(context.destination_db_path, function);
         if (!session.is_open()) {
@@ -44,12 +44,13 @@ void run_step(const step_context& context, const step_texts& texts, const std::f
             return;
         }
         step_run run(context, texts, session);
-        finished = body(run);
+        body(run);
+        was_cancelled = run.has_seen_cancel();
         if (!session.commit()) {
             run.log_insert_failure(); // the rows are lost: the log must say so
         }
     }
-    if (finished) {
+    if (!was_cancelled) {
         plugin_static_function::app_debug(QLatin1String(texts.ended), function);
     }
 }

@@ -48,7 +48,9 @@ class step_run {
 public:
     step_run(const step_context& step, const step_texts& texts_of_step, insert_session& open_session);
     const step_context& context;
-    bool cancelled() const { return context.bool_cancel_extraction; }
+    // Whether the host wants no more. A step that once saw so logs no end line.
+    bool cancelled() { return seen_cancelled = seen_cancelled || context.bool_cancel_extraction; }
+    bool has_seen_cancel() const { return seen_cancelled; }
     // Logs with the step's function text.
     void log(const QString& message) const;
     // Inserts one row; a failure is logged with the step's texts and the row is skipped.
@@ -59,11 +61,13 @@ private:
     const step_texts& texts;
     insert_session& session;
     QString statement;
+    bool seen_cancelled = false;
 };
 
-// Runs a step. The body returns true when it walked all its sources; false (cancelled) commits without the end line.
-// When the result database does not open, two lines are logged and the body is not called.
-void run_step(const step_context& context, const step_texts& texts, const std::function<bool(step_run&)>& body);
+// Runs a step. The body asks cancelled() before each source, each record and each row, and after each read of a table,
+// and returns when it is true: what was written is committed, and there is no end line. When the result database does
+// not open, two lines are logged and the body is not called.
+void run_step(const step_context& context, const step_texts& texts, const std::function<void(step_run&)>& body);
 
 // One bound value of an insert: the column it goes to (for the reader, in statement order) and how a row gives it.
 template <class Row>

@@ -2,13 +2,13 @@
 // Result table time_reminders: the reminders that fire at a time.
 #include "ese/timetriggers.h"
 #include "extractors/reminder_procedure.h"
+#include "extractors/row_values.h"
 #include "extractors/step_columns.h"
 #include "extractors/steps.h"
 
 namespace {
 
 using trigger = specific_table::struct_time_triggers_data;
-using row = reminder_row<trigger>;
 
 const reminder_step<trigger> step{
     {
@@ -26,20 +26,15 @@ const reminder_step<trigger> step{
     QStringLiteral("TimeTriggers"),
     &specific_table::list_time_triggers_data,
     {
-        {"system_user", system_user_of},
-        {"domain_user", domain_user_of},
-        {"title", title_of},
-        {"text", text_of},
-        {"creation_time", creation_time_of},
-        {"last_update_time", last_update_time_of},
-        {"last_access_time", last_access_time_of},
-        {"completion_time", completion_time_of},
-        {"date_time", [](const row& r) -> QVariant { return filetime_to_unix_seconds(r.trigger.date_time); }},
+        {"title", from_reminder},
+        {"text", from_reminder},
+        {"creation_time", from_reminder},
+        {"last_update_time", from_reminder},
+        {"last_access_time", from_reminder},
+        {"completion_time", from_reminder},
+        {"date_time", [](const trigger& t) -> QVariant { return filetime_to_unix_seconds(t.date_time); }},
         {"last_trigger_time",
-         [](const row& r) -> QVariant { return iso_text_to_unix_seconds(r.trigger.last_trigger_time); }},
-        {"source_file", source_file_of},
-        {"os_scheme_display", os_scheme_of},
-        {"source_count_name", source_count_of},
+         [](const trigger& t) -> QVariant { return iso_text_to_unix_seconds(t.last_trigger_time); }},
     },
 };
 

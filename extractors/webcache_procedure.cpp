@@ -3,25 +3,7 @@
 #include "extractors/webcache_procedure.h"
 
 #include "extractors/webcache_paths.h"
-
-namespace {
-
-// Records of ordinary size stay in the processor's cache until they are written.
-constexpr int most_records = 256;
-constexpr int most_characters = 1 << 20;
-
-// Any column may hold any type of value in a file made for it.
-int characters_of(const specific_table::struct_ano_data& entry) {
-    int characters = 0;
-    for (const QString* text :
-         {&entry.secure_directory, &entry.file_size, &entry.access_count, &entry.sync_time, &entry.creation_time,
-          &entry.expiry_time, &entry.modified_time, &entry.accessed_time, &entry.url, &entry.filename}) {
-        characters += qMin(text->size(), most_characters);
-    }
-    return characters;
-}
-
-} // namespace
+#include "source/source_guard.h"
 
 const bindings<webcache_row>& webcache_columns() {
     using row = webcache_row;
@@ -56,73 +38,82 @@ const bindings<webcache_row>& webcache_columns() {
     return columns;
 }
 
-webcache_walk::webcache_walk(step_run& running_step, const webcache_step& described_step)
-    : run(running_step), step(described_step), guard(running_step.context.fs_extraction_source_path) {}
+namespace {
 
-bool webcache_walk::read_files(specific_table& reader, const QStringList& files) {
-    for (const QString& file : files) {
-        if (run.cancelled() || !read_file(reader, file)) {
-            return false;
+// Each record is written as soon as it is read: any number of them may share one long value, so a list of all would
+// take memory that the file chooses.
+class webcache_walk {
+public:
+    webcache_walk(step_run& running_step, const webcache_step& described_step, specific_table& container_reader)
+        : run(running_step), step(described_step), reader(container_reader),
+          guard(running_step.context.fs_extraction_source_path) {
+        reader.set_record_sink([this] { return write_records(); });
+    }
+
+    void read_file(const QString& file) {
+        reader.list_container_data.clear();
+        origin = origin_of(file, run.context);
+        reader.start_parsing(file, QStringLiteral("Containers"));
+        if (run.cancelled()) {
+            return;
+        }
+        for (const specific_table::struct_container_data& container : qAsConst(reader.list_container_data)) {
+            if (is_cortana_container(container, step.container_name) && !read_container(file, container)) {
+                return;
+            }
         }
     }
-    return true;
-}
 
-bool webcache_walk::read_file(specific_table& reader, const QString& file) {
-    reader.list_container_data.clear();
-    origin = origin_of(file, run.context);
-    reader.start_parsing(file, QStringLiteral("Containers"));
-    QList<specific_table::struct_container_data> selected;
-    if (!select_containers(reader, selected)) {
-        return false;
-    }
-    for (const specific_table::struct_container_data& container : qAsConst(selected)) {
-        reader.start_parsing(file, QStringLiteral("Container_") + container.container_id, container.directory,
-                             container.secure_directories);
-        write_records(reader);
-        if (stopped) {
-            return false;
-        }
-    }
-    return true;
-}
-
-// All of them before any is read: once rows are written, a cancel counts only while containers or files are left.
-bool webcache_walk::select_containers(const specific_table& reader,
-                                      QList<specific_table::struct_container_data>& selected) const {
-    for (const specific_table::struct_container_data& listed : reader.list_container_data) {
+private:
+    // False when cancelled.
+    bool read_container(const QString& file, const specific_table::struct_container_data& container) {
         if (run.cancelled()) {
             return false;
         }
-        if (is_cortana_container(listed, step.container_name)) {
-            selected.append(listed);
+        asked_before_row = false;
+        reader.start_parsing(file, QStringLiteral("Container_") + container.container_id, container.directory,
+                             container.secure_directories);
+        // Deliberate: not asked behind the last row; a cancel that comes with it counts only when more is left to do.
+        return asked_before_row ? !run.has_seen_cancel() : !run.cancelled();
+    }
+
+    // False when cancelled.
+    bool write_records() {
+        for (const specific_table::struct_ano_data& entry : qAsConst(reader.list_ano_data)) {
+            asked_before_row = true;
+            if (run.cancelled()) {
+                break;
+            }
+            run.insert(bound_values(webcache_columns(), row_of(entry)));
         }
+        reader.list_ano_data.clear();
+        return !run.has_seen_cancel();
     }
-    return true;
-}
 
-void webcache_walk::record_read(specific_table& reader) {
-    unwritten_characters += characters_of(reader.list_ano_data.constLast());
-    if (reader.list_ano_data.size() >= most_records || unwritten_characters >= most_characters) {
-        write_records(reader);
+    webcache_row row_of(const specific_table::struct_ano_data& entry) {
+        const QString& root = run.context.fs_extraction_source_path;
+        const QString windows_path = step.windows_path(entry);
+        const QString on_disk = on_disk_path(windows_path, root);
+        return {
+            origin, entry, windows_path, path_below_root(on_disk, root), guard.exists(on_disk), step.url(entry.url)};
     }
-}
 
-void webcache_walk::write_records(specific_table& reader) {
-    for (const specific_table::struct_ano_data& entry : qAsConst(reader.list_ano_data)) {
-        stopped = run.cancelled();
-        if (stopped) {
-            break;
+    step_run& run;
+    const webcache_step& step;
+    specific_table& reader;
+    source_guard guard; // nothing that an entry names is looked at outside the source
+    row_origin origin;  // of the file being read
+    bool asked_before_row = false;
+};
+
+} // namespace
+
+void walk_webcache(step_run& run, const webcache_step& step, specific_table& reader, const QStringList& files) {
+    webcache_walk walk(run, step, reader);
+    for (const QString& file : files) {
+        if (run.cancelled()) {
+            return;
         }
-        run.insert(bound_values(webcache_columns(), row_of(entry)));
+        walk.read_file(file);
     }
-    reader.list_ano_data.clear();
-    unwritten_characters = 0;
-}
-
-webcache_row webcache_walk::row_of(const specific_table::struct_ano_data& entry) {
-    const QString& root = run.context.fs_extraction_source_path;
-    const QString windows_path = step.windows_path(entry);
-    const QString on_disk = on_disk_path(windows_path, root);
-    return {origin, entry, windows_path, path_below_root(on_disk, root), guard.exists(on_disk), step.url(entry.url)};
 }

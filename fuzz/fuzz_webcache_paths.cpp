@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Any directory, file name, index and URL make a path and a URL without harm, and the gate lets no path out of the
 // root.
-#include "ese/webcache_reader.h"
+#include "ese/container_reader.h"
 #include "extractors/webcache_paths.h"
 #include "source/source_guard.h"
 

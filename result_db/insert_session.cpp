@@ -5,24 +5,6 @@
 #include "common/named_connection.h"
 
 #include <QSqlError>
-#include <QSqlResult>
-
-namespace {
-
-// The side of a QSqlResult that Qt shows to drivers. QSqlQuery's own prepare and addBindValue end there, after work
-// that costs as much as reading the row from the evidence: the one gives every placeholder a name, letter by letter
-// and for each row again, the other files every value under such a name. SQLite needs no names.
-class driver_side : public QSqlResult {
-public:
-    static bool prepare_as_given(QSqlResult& result, const QString& statement) {
-        return (result.*&driver_side::prepare)(statement);
-    }
-    static void bind(const QSqlResult& result, const QVector<QVariant>& values) {
-        (result.*&driver_side::boundValues)() = values;
-    }
-};
-
-} // namespace
 
 insert_session::insert_session(const QString& database_path, const QString& connection_name)
     : name(connection_name), database(replace_connection(name, database_path)) {
@@ -43,27 +25,31 @@ insert_session::~insert_session() {
 }
 
 bool insert_session::insert(const QString& statement, const QVector<QVariant>& values) {
-    bool done = prepare(statement);
-    if (done) {
-        driver_side::bind(*query->result(), values);
-        done = query->exec();
-    }
+    const bool done = prepare(statement, values.size()) && execute(values);
     if (!done) {
         error = query->lastError().text();
-        executed = told;
+        prepared.clear();
     }
     return done;
 }
 
-bool insert_session::prepare(const QString& statement) {
-    if (statement != prepared) {
-        prepared = statement;
-        const bool done = query->prepare(statement);
-        told = query->executedQuery(); // now: after an insert that succeeds it tells another text
-        return done;
+// What is prepared already was executed with success in this transaction, so no table can have changed since.
+bool insert_session::prepare(const QString& statement, int values) {
+    if (statement == prepared && values == bound) {
+        return true;
     }
-    // The result is the query's own; Qt hands it out const because only drivers are meant to use it.
-    return driver_side::prepare_as_given(const_cast<QSqlResult&>(*query->result()), statement);
+    prepared = statement;
+    bound = values; // a query takes what a row lacks from the row before
+    const bool done = query->prepare(statement);
+    executed = query->executedQuery(); // now: after an insert that succeeds it tells another text
+    return done;
+}
+
+bool insert_session::execute(const QVector<QVariant>& values) {
+    for (const QVariant& value : values) {
+        query->addBindValue(value);
+    }
+    return query->exec();
 }
 
 bool insert_session::commit() {

@@ -28,20 +28,22 @@ public:
     // The text of the last failed insert or commit, as the query tells it.
     QString executed_query() const { return executed; }
 
-    // Prepares statement anew, binds values in order and executes it. False: nothing was written, see error_text().
+    // Binds values to the statement in order and executes it; it is prepared anew when it is another one than before
+    // and after a failure. False: nothing was written, see error_text().
     bool insert(const QString& statement, const QVector<QVariant>& values);
     // Commits the transaction. False: the rows are not in the database, see error_text().
     bool commit();
 
 private:
-    bool prepare(const QString& statement);
+    bool prepare(const QString& statement, int values);
+    bool execute(const QVector<QVariant>& values);
 
     QString name;
     QSqlDatabase database;
     std::unique_ptr<QSqlQuery> query;
-    QString prepared; // the last statement, as it was given
-    QString told;     // the same, as the query tells it: with a name for each placeholder
+    QString prepared; // the statement that can be executed again, as it was given
+    int bound = 0;    // to so many values
     QString error;
-    QString executed;
+    QString executed; // the last statement, as the query tells it: with a name for each placeholder
     bool in_transaction = false;
 };

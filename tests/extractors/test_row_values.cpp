@@ -47,6 +47,31 @@ private Q_SLOTS:
                  QDateTime().toMSecsSinceEpoch() / 1000); // an invalid date-time's own answer
     }
 
+    // The short way to a local time and Qt's own tell the same, in hours that are left out or come twice too.
+    void iso_text_is_what_qt_tells() {
+        const QByteArray before = qgetenv("TZ");
+        const QString format = "yyyy-MM-dd hh:mm:ss"_q;
+        QStringList texts{"2019-02-29 10:00:00"_q, "2019-05-01 24:00:00"_q, "2019-05-01 10:00:60"_q,
+                          "2019-05-01 10:0 :00"_q, "2019-05-01 10-00:00"_q, "2019-05-01 10:00:000"_q,
+                          "1969-12-31 23:59:59"_q, "1970-01-01 00:00:00"_q, "2038-02-01 00:00:00"_q};
+        for (const char* first : {"2019-03-10", "2019-11-03", "2019-04-06", "2019-10-05", "2011-12-29", "1972-01-06"}) {
+            const QDateTime day(QDate::fromString(QLatin1String(first), Qt::ISODate), QTime(0, 0), Qt::UTC);
+            for (int half_hour = 0; half_hour < 96; ++half_hour) {
+                texts.append(day.addSecs(1800 * half_hour).toString(format));
+            }
+        }
+        for (const char* zone : {"UTC", "America/New_York", "Australia/Lord_Howe", "Pacific/Apia", "Africa/Monrovia"}) {
+            qputenv("TZ", zone);
+            tzset();
+            for (const QString& text : qAsConst(texts)) {
+                QCOMPARE(iso_text_to_unix_seconds(text),
+                         QDateTime::fromString(text, format).toMSecsSinceEpoch() / 1000);
+            }
+        }
+        qputenv("TZ", before);
+        tzset();
+    }
+
     void below_root() {
         const QPair<const char*, const char*> cases[] = {
             {"/r/Users/a", "/Users/a"}, {"/r//Users", "/Users"}, {"x/r/Users", "x/r/Users"}, {"/r/", "/"},

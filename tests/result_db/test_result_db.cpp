@@ -140,8 +140,8 @@ private Q_SLOTS:
                               "search_keyword=text:a'b | search_timestamp=integer:-5 | notes=text:12x"_q}));
     }
 
-    // A statement goes through QSqlQuery once and is prepared for every row: what fails, and how it is told, must not
-    // depend on whether it is the first row.
+    // A statement is prepared again only when it must be: what fails, and how it is told, must not depend on whether it
+    // is the first row.
     void insert_session_tells_of_every_failure_alike() {
         const QString statement = "insert into searches(search_keyword,notes) values(?,?)"_q;
         const QString executed = "insert into searches(search_keyword,notes) values(:a,:bb)"_q;

@@ -26,7 +26,7 @@ QStringList repeated(const QStringList& list, int copies) {
 
 } // namespace
 
-class test_webcache_reader : public QObject {
+class test_container_reader : public QObject {
     Q_OBJECT
 
     QTemporaryDir folder;
@@ -140,7 +140,7 @@ private Q_SLOTS:
     // A damaged file chooses both numbers.
     void copies_end_at_a_limit() {
         write_numbered(1);
-        constexpr int limit = webcache_reader::most_repeated_names;
+        constexpr int limit = container_reader::most_repeated_names;
         for (const int count : {limit / 10, limit + 1}) {
             QStringList names;
             std::fill_n(std::back_inserter(names), count, two_names.first());
@@ -164,5 +164,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(test_webcache_reader)
-#include "test_webcache_reader.moc"
+QTEST_APPLESS_MAIN(test_container_reader)
+#include "test_container_reader.moc"

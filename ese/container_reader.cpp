@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The kept columns of "Containers" and of the "Container_" tables.
-#include "ese/webcache_reader.h"
+#include "ese/container_reader.h"
 
 #include "ese/record_walk.h"
 
@@ -28,16 +28,6 @@ const kept_column<entry, QString> entry_texts[] = {
 
 constexpr int secure_name_length = 8;
 
-// copies times the names in a row.
-QStringList repeated(const QStringList& names, int copies) {
-    QStringList list;
-    list.reserve(copies * names.size());
-    for (int copy = 0; copy < copies; ++copy) {
-        list += names;
-    }
-    return list;
-}
-
 } // namespace
 
 QStringList secure_directory_names(const QString& text) {
@@ -52,12 +42,12 @@ QStringList secure_directory_names(const QString& text) {
     return names;
 }
 
-void webcache_reader::get_column_name_and_type(libesedb_record_t* record, libesedb_error_t* error) {
+void container_reader::get_column_name_and_type(libesedb_record_t* record, libesedb_error_t* error) {
     walk_values(record, error, list_container_data, current_container_data);
 }
 
-void webcache_reader::get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name,
-                                        int value_index, unsigned int column_type) {
+void container_reader::get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name,
+                                         int value_index, unsigned int column_type) {
     const auto value = [&] { return record_type_case(record, value_index, column_type, error); };
     if (QString* text = field_of_column(container_texts, column_name, *current_container_data)) {
         *text = utf8_until_nul(value());
@@ -70,35 +60,32 @@ void webcache_reader::get_record_values(libesedb_record_t* record, libesedb_erro
     }
 }
 
-// Deliberate: a record of N columns holds N copies of the container's secure directories, one for each visit of a
-// value. An index beyond the first copy finds a name again; with one copy its row would lose the sub-directory.
-// The visits are handed no names and the copies are made here at once, so that the records can share them.
-void webcache_reader::get_column_name_and_type(libesedb_record_t* record, libesedb_error_t* error, QString directory,
-                                               QStringList secure_directories) {
+void container_reader::get_column_name_and_type(libesedb_record_t* record, libesedb_error_t* error, QString directory,
+                                                QStringList secure_directories) {
     const int known = list_ano_data.size();
-    walk_values(record, error, list_ano_data, current_ano_data, directory, QStringList());
-    int visits = 0;
-    if (list_ano_data.size() == known || secure_directories.isEmpty() ||
-        libesedb_record_get_number_of_values(record, &visits, nullptr) != ese::success) {
-        return;
+    walk_values(record, error, list_ano_data, current_ano_data, directory, secure_directories);
+    if (list_ano_data.size() > known) {
+        QStringList& names = list_ano_data[known].container_secure_directories;
+        if (names == names_of_last_record) {
+            names = names_of_last_record; // all records of a table share one list
+        } else {
+            names_of_last_record = names;
+        }
     }
-    const int copies = qMin(visits, qMax(1, most_repeated_names / secure_directories.size()));
-    // All records of a table come with one shared list and have as many values, so this is true but for the first.
-    if (!secure_directories.isSharedWith(repeated_names) || copies != repeated_copies) {
-        repeated_names = secure_directories;
-        repeated_copies = copies;
-        repeated_list = repeated(secure_directories, copies);
-    }
-    list_ano_data[known].container_secure_directories = repeated_list;
 }
 
-void webcache_reader::get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name,
-                                        int value_index, unsigned int column_type, QString directory,
-                                        QStringList secure_directories) {
+void container_reader::get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name,
+                                         int value_index, unsigned int column_type, QString directory,
+                                         QStringList secure_directories) {
     if (current_ano_data->container_directory != directory) {
         current_ano_data->container_directory = directory;
     }
-    current_ano_data->container_secure_directories += secure_directories;
+    // Deliberate: a record of N columns holds N copies of the container's secure directories, one for each visit of a
+    // value. An index beyond the first copy finds a name again; with one copy its row would lose the sub-directory.
+    QStringList& names = current_ano_data->container_secure_directories;
+    if (names.isEmpty() || names.size() + secure_directories.size() <= most_repeated_names) {
+        names += secure_directories;
+    }
     if (QString* text = field_of_column(entry_texts, column_name, *current_ano_data)) {
         *text = utf8_until_nul(record_type_case(record, value_index, column_type, error));
     }

@@ -8,7 +8,7 @@
 
 // Columns are matched by their exact names; other columns are skipped unread. The caller empties the lists between
 // database files. The remaining chain stays the base class's and keeps nothing.
-class webcache_reader : public specific_table {
+class container_reader : public specific_table {
 public:
     using specific_table::get_column_name_and_type;
     using specific_table::get_record_values;
@@ -23,13 +23,10 @@ public:
 
     // A damaged file chooses both the number of names and the number of columns; a real one has at most 32 of each.
     // No record gets more names than this, but one copy of them all.
-    static constexpr int most_repeated_names = 1 << 22;
+    static constexpr int most_repeated_names = 1 << 16;
 
 private:
-    // The copies that the last record got, and of what, for the next one to share.
-    QStringList repeated_names;
-    int repeated_copies = 0;
-    QStringList repeated_list;
+    QStringList names_of_last_record;
 };
 
 // The names of 8 characters that stand side by side in a container's "SecureDirectories"; none when the length of the
