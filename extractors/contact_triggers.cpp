@@ -43,5 +43,5 @@ void fill_contact_triggers(const step_context& context, std::unique_ptr<contact_
 }
 
 step_columns columns_of_contact_triggers() {
-    return columns_of(step.texts, step.columns);
+    return columns_of(step);
 }

@@ -51,5 +51,5 @@ void fill_place_reminders(const step_context& context, std::unique_ptr<place_tri
 }
 
 step_columns columns_of_place_reminders() {
-    return columns_of(step.texts, step.columns);
+    return columns_of(step);
 }

@@ -5,6 +5,7 @@
 
 #include "ese/specific_table.h"
 #include "extractors/packed_rows.h"
+#include "extractors/step_columns.h"
 #include "extractors/step_run.h"
 
 #include <QStringList>
@@ -32,6 +33,18 @@ struct reminder_step {
     QList<Trigger> specific_table::*triggers;
     QVector<reminder_column<Trigger>> columns; // those between the two users and the three that tell the source
 };
+
+// The statement and what is bound to it: around a step's own columns stand the users and what tells the source.
+template <class Trigger>
+step_columns columns_of(const reminder_step<Trigger>& step) {
+    step_columns columns{step.texts.statement, {QStringLiteral("system_user"), QStringLiteral("domain_user")}};
+    for (const reminder_column<Trigger>& column : step.columns) {
+        columns.labels.append(QLatin1String(column.column));
+    }
+    columns.labels << QStringLiteral("source_file") << QStringLiteral("os_scheme_display")
+                   << QStringLiteral("source_count_name");
+    return columns;
+}
 
 // The walk over the files, for any trigger record.
 struct reminder_walk {

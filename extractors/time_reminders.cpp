@@ -45,5 +45,5 @@ void fill_time_reminders(const step_context& context, std::unique_ptr<timetrigge
 }
 
 step_columns columns_of_time_reminders() {
-    return columns_of(step.texts, step.columns);
+    return columns_of(step);
 }
