@@ -22,7 +22,7 @@ public:
 
 private:
     struct free_workbook { // of one that was not finished
-        void operator()(lxw_workbook* book) const { lxw_workbook_free(book); }
+        void operator()(lxw_workbook* unfinished) const { lxw_workbook_free(unfinished); }
     };
 
     bool begin_sheet();
