@@ -7,6 +7,7 @@
 #include "host/environment.h"
 #include "host/exit_codes.h"
 #include "host/health/source_health.h"
+#include "host/intake/newer_logs.h"
 #include "host/run/cancellation.h"
 #include "host/run/plugin_run.h"
 #include "host/run/process_limits.h"
@@ -88,6 +89,12 @@ worker_message check(const worker_request& request, const message_pipe& pipe) {
         worker_message seen;
         seen.what = worker_message::evidence;
         seen.record = record;
+        if (record.health.hive) {
+            seen.record.health.notes += newer_log_notes(QFile::encodeName(record.path));
+        }
+        for (const QString& note : seen.record.health.notes.mid(record.health.notes.size())) {
+            message.health.add_note(record.path, note);
+        }
         pipe.send(seen);
     };
     source_health health(root, request.checked_tables, cancelled, message.health, pass_on);

@@ -3,6 +3,7 @@
 // on once.
 #include "host/run/worker_process.h"
 
+#include "host/run/cancellation.h"
 #include "host/run/worker.h"
 
 #include <QCoreApplication>
@@ -54,6 +55,7 @@ void worker_process::begin() {
 
 void worker_process::setupChildProcess() {
     ::setpgid(0, 0);
+    hold_cancel_signals(); // a cancel that comes before the worker can take it waits for it
 }
 
 void worker_process::cancel(int signal) {
