@@ -6,7 +6,7 @@ cd "$(dirname "$0")/../.."
 readonly lines=44 columns=118
 escape() { sed -e 's/&/\&amp;/g' -e 's/</\&lt;/g' -e 's/>/\&gt;/g'; }
 rm -rf build/sample_case
-mapfile -t text < <(./run 2>&1 | grep -v '^build: ' | cut -c1-"$columns" | head -n "$lines" | escape)
+mapfile -t text < <(./run 2>&1 | grep -v "^build: " | sed "s,$PWD/,," | cut -c1-"$columns" | head -n "$lines" | escape)
 height=$(((${#text[@]} + 4) * 17))
 {
     echo "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"951\" height=\"$height\" viewBox=\"0 0 951 $height\">"
