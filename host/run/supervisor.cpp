@@ -198,6 +198,9 @@ void supervisor::take_message(profile& one, const worker_message& message) {
     case worker_message::evidence:
         take_evidence(one, message.record);
         return;
+    case worker_message::looked_over:
+        one.health = message.health;
+        break;
     case worker_message::checked:
         one.checked = true;
         one.health = message.health;
