@@ -114,8 +114,9 @@ bool write_run_record(const run_summary& summary, const run_circumstances& circu
     const QString file = summary.output.folder + key("run.json");
     const QByteArray text = QJsonDocument(record_of(summary, circumstances)).toJson(QJsonDocument::Indented);
     QSaveFile saved(file);
-    if (!saved.open(QIODevice::WriteOnly) || saved.write(text) != text.size() || !keep_earlier_record(file) ||
-        !saved.commit()) {
+    // The commit alone would not notice that what is still buffered cannot be written.
+    if (!saved.open(QIODevice::WriteOnly) || saved.write(text) != text.size() || !saved.flush() ||
+        !keep_earlier_record(file) || !saved.commit()) {
         error = QStringLiteral("the run record %1 cannot be written: %2").arg(file, saved.errorString());
         return false;
     }
