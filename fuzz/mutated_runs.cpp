@@ -7,7 +7,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -115,32 +114,6 @@ void link_profile(const QString& from, const QString& to) {
     QDir().mkpath(QFileInfo(to).path());
     std::filesystem::copy(QFile::encodeName(from).constData(), QFile::encodeName(to).constData(),
                           std::filesystem::copy_options::recursive | std::filesystem::copy_options::create_hard_links);
-}
-
-// Rows of every table by profile, keys left out and the profile's name replaced.
-QHash<QString, QStringList> rows_by_profile(const QString& database) {
-    QHash<QString, QStringList> rows;
-    {
-        QSqlDatabase opened = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("mutated_runs"));
-        opened.setDatabaseName(database);
-        opened.open();
-        const QStringList tables = opened.tables();
-        for (const QString& table : tables) {
-            QSqlQuery query(QStringLiteral("select * from ") + table, opened);
-            while (query.next()) {
-                const QSqlRecord record = query.record();
-                const QString name = record.value(QStringLiteral("system_user")).toString();
-                QString text = table;
-                for (int i = 0; i < record.count(); ++i) {
-                    text += record.fieldName(i) == QLatin1String("INT") ? QString()
-                                                                        : QLatin1Char('|') + record.value(i).toString();
-                }
-                rows[name].append(text.replace(name, QStringLiteral("X")));
-            }
-        }
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("mutated_runs"));
-    return rows;
 }
 
 struct run_outcome {
@@ -256,6 +229,34 @@ private:
 };
 
 } // namespace
+
+QHash<QString, QStringList> rows_by_profile(const QString& database) {
+    QHash<QString, QStringList> rows;
+    if (!QFile::exists(database)) { // opening would make it
+        return rows;
+    }
+    {
+        QSqlDatabase opened = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("mutated_runs"));
+        opened.setDatabaseName(database);
+        opened.open();
+        const QStringList tables = opened.tables();
+        for (const QString& table : tables) {
+            QSqlQuery query(QStringLiteral("select * from ") + table, opened);
+            while (query.next()) {
+                const QSqlRecord record = query.record();
+                const QString name = record.value(QStringLiteral("system_user")).toString();
+                QString text = table;
+                for (int i = 0; i < record.count(); ++i) {
+                    text += record.fieldName(i) == QLatin1String("INT") ? QString()
+                                                                        : QLatin1Char('|') + record.value(i).toString();
+                }
+                rows[name].append(text.replace(name, QStringLiteral("X")));
+            }
+        }
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("mutated_runs"));
+    return rows;
+}
 
 mutation_result run_mutated_sources(const QString& program, const QString& folder, int rounds) {
     mutation_result result;

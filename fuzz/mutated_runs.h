@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -10,6 +11,10 @@
 #include <vector>
 
 using random_source = std::mt19937;
+
+// The rows of every table of a result database by profile, each with its table's name in front, keys left out and the
+// profile's name replaced. Nothing when the database does not open.
+QHash<QString, QStringList> rows_by_profile(const QString& database);
 
 struct mutation {
     const char* name;
