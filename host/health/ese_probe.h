@@ -11,8 +11,8 @@
 #include <functional>
 
 // Opens the database of the record, whose health is known and names no problem, with libesedb and compares what it
-// finds of each table that the selected result tables need with the checker's own count. Only where that, damage or the
-// shape of rows gives cause are all rows of a table read. Runs a parser of another's over evidence: for confined
-// processes only.
+// finds of each table that the selected result tables need with the checker's own count. Where that, damage or the
+// shape of rows gives cause, and in small tables, all rows are read. Runs a parser of another's over evidence: for
+// confined processes only.
 void probe_ese_database(const evidence_record& record, const QStringList& selected,
                         const std::function<bool()>& cancelled, health_report& report);
