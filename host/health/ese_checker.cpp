@@ -44,20 +44,6 @@ bool collect_children(const page_view& page, QVector<quint32>& children) {
     return true;
 }
 
-// What the page leads to. False: its entries do not make sense.
-bool read_content(const page_view& page, ese_trees::page_content& content) {
-    content.object = page.object();
-    if (!is_read_by_tables(page)) {
-        return true;
-    }
-    if (!page.has(page_view::leaf)) {
-        return collect_children(page, content.children);
-    }
-    const std::optional<int> entries = page.live_entries();
-    content.live_entries = entries.value_or(0);
-    return entries.has_value();
-}
-
 } // namespace
 
 void ese_checker::take(const char* bytes, qint64 size) {
@@ -104,6 +90,21 @@ void ese_checker::take_pages(std::string_view bytes) {
         take_page(bytes.substr(0, page_size));
     }
     gathered.append(bytes.data(), static_cast<int>(bytes.size()));
+}
+
+// What the page leads to. False: its entries do not make sense.
+bool ese_checker::read_content(const page_view& page, ese_trees::page_content& content) {
+    content.object = page.object();
+    if (!is_read_by_tables(page)) {
+        return true;
+    }
+    if (!page.has(page_view::leaf)) {
+        return collect_children(page, content.children);
+    }
+    const std::optional<int> entries = page.live_entries();
+    content.live_entries = entries.value_or(0);
+    content.is_doubtful = entries && !records.take_leaf(page);
+    return entries.has_value();
 }
 
 void ese_checker::take_page(std::string_view bytes) {
@@ -164,7 +165,7 @@ void ese_checker::finish_pages(file_health& result) {
         trees.add_damaged({});
     }
     if (!is_cut_early) {
-        tables.survey(trees, damage, result);
+        tables.survey(trees, records, damage, result);
     }
     result.ese->pages = page_number;
     name_damage(result);

@@ -17,6 +17,7 @@ private:
     void start();
     void take_pages(std::string_view bytes);
     void take_page(std::string_view bytes);
+    bool read_content(const page_view& page, ese_trees::page_content& content);
     void take_catalog(const page_view& page);
     void finish_pages(file_health& result);
     void name_damage(file_health& result) const;
@@ -29,5 +30,6 @@ private:
     qint64 unwritten = 0;
     ese_trees trees;
     ese_tables tables;
+    record_survey records;
     page_damage damage;
 };

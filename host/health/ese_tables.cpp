@@ -52,10 +52,14 @@ ese_trees::walked_tree ese_tables::walk_once(quint32 root, quint32 object, ese_t
 }
 
 void ese_tables::choose_entries(ese_trees& trees, page_damage& damage, file_health& result) {
-    const bool is_damaged = walk_once(page_view::catalog_root, page_view::catalog_object, trees, damage).damaged != 0;
+    const ese_trees::walked_tree catalog = walk_once(page_view::catalog_root, page_view::catalog_object, trees, damage);
     walk_once(page_view::catalog_copy_root, page_view::catalog_copy_object, trees, damage);
     put_in_order(entries, trees);
-    if (!is_damaged) {
+    if (catalog.doubtful != 0) {
+        result.problems << QStringLiteral("the catalog of the ESE database holds entries that cannot be right; tables "
+                                          "or columns may be missing");
+    }
+    if (catalog.damaged == 0) {
         return;
     }
     put_in_order(copies, trees);
@@ -97,6 +101,7 @@ void ese_tables::survey_table(const ese_catalog_entry& entry, ese_trees& trees, 
     table.root_page = entry.root;
     table.rows = tree.entries;
     table.damaged_pages = tree.damaged;
+    table.doubtful_pages = tree.doubtful;
     result.tables.append(table);
 }
 
@@ -106,9 +111,22 @@ void ese_tables::add_long_values(const ese_catalog_entry& entry, ese_trees& tree
     const ese_trees::walked_tree tree = walk_once(entry.root, entry.object, trees, damage);
     table.long_value_entries += tree.entries;
     table.damaged_pages += tree.damaged;
+    table.lacks_long_values = table.lacks_long_values || tree.doubtful != 0;
 }
 
-void ese_tables::survey(ese_trees& trees, page_damage& damage, file_health& result) {
+void ese_tables::find_lacking_values(record_survey& records, ese_health& result) const {
+    for (table_health& table : result.tables) {
+        QVector<quint32> trees;
+        for (const ese_catalog_entry& entry : entries) {
+            if (entry.kind == ese_tree_kind::long_values && entry.table == table.object) {
+                trees.append(entry.object);
+            }
+        }
+        table.lacks_long_values = table.lacks_long_values || records.lacks_long_values(table.object, trees);
+    }
+}
+
+void ese_tables::survey(ese_trees& trees, record_survey& records, page_damage& damage, file_health& result) {
     ese_health& facts = *result.ese;
     if (!trees.is_complete()) {
         result.notes << QStringLiteral("the ESE database is too large to count the rows of its tables");
@@ -125,6 +143,7 @@ void ese_tables::survey(ese_trees& trees, page_damage& damage, file_health& resu
             add_long_values(entry, trees, damage, facts);
         }
     }
+    find_lacking_values(records, facts);
     QHash<quint32, qint64> outside;
     for (const table_health& table : qAsConst(facts.tables)) {
         outside.insert(table.object, 0);

@@ -5,6 +5,7 @@
 #include "host/health/ese_catalog_entries.h"
 #include "host/health/ese_trees.h"
 #include "host/health/file_health.h"
+#include "host/health/record_survey.h"
 
 class ese_tables {
 public:
@@ -14,7 +15,7 @@ public:
 
     // When all pages have been added: walks every tree, adds what is damaged to `damage`, and fills in the tables and
     // what there is to say about them. Once.
-    void survey(ese_trees& trees, page_damage& damage, file_health& result);
+    void survey(ese_trees& trees, record_survey& records, page_damage& damage, file_health& result);
 
     struct owner {
         QString table;
@@ -29,6 +30,7 @@ private:
     ese_trees::walked_tree walk_once(quint32 root, quint32 object, ese_trees& trees, page_damage& damage);
     void survey_table(const ese_catalog_entry& entry, ese_trees& trees, page_damage& damage, ese_health& result);
     void add_long_values(const ese_catalog_entry& entry, ese_trees& trees, page_damage& damage, ese_health& result);
+    void find_lacking_values(record_survey& records, ese_health& result) const;
 
     QVector<ese_catalog_entry> entries; // of the catalog; after choose_entries() the ones that hold
     QVector<ese_catalog_entry> copies;  // of its copy

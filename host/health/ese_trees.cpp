@@ -83,6 +83,7 @@ void ese_trees::visit(quint32 page, bool is_sure, walk_state& walk) {
     note.object = walk.object;
     note.marks |= reached;
     walk.result.damaged += note.has(damaged) ? 1 : 0;
+    walk.result.doubtful += note.has(doubtful) ? 1 : 0;
     // The children of a damaged page come last and only if nothing else led to them: their numbers may be wrong.
     collect_children(page, is_sure && !note.has(damaged) ? walk.open : walk.doubtful);
 }
@@ -100,7 +101,8 @@ ese_trees::walked_tree ese_trees::walk(quint32 root, quint32 object, page_damage
 
 void ese_trees::count_outside(QHash<quint32, qint64>& entries) const {
     for (const page_note& note : notes) {
-        const auto found = note.entries != 0 && note.marks == 0 ? entries.find(note.object) : entries.end();
+        const auto found =
+            note.entries != 0 && (note.marks & ~doubtful) == 0 ? entries.find(note.object) : entries.end();
         if (found != entries.end()) {
             found.value() += note.entries;
         }

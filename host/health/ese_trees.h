@@ -15,10 +15,13 @@ public:
         quint32 object = 0;
         int live_entries = 0;      // of a leaf
         QVector<quint32> children; // of a branch page
+        bool is_doubtful = false;  // of a leaf: its entries are not built as they should be
     };
     // The next page, first page 1.
     void add_unwritten() { add({0, 0, unwritten}, {}); }
-    void add_sound(const page_content& content) { add(note_of(content, 0), content.children); }
+    void add_sound(const page_content& content) {
+        add(note_of(content, content.is_doubtful ? doubtful : 0), content.children);
+    }
     void add_damaged(const page_content& content) { add(note_of(content, damaged), content.children); }
 
     // False: there were more pages or children than memory is given to, and no tree can be walked.
@@ -27,6 +30,7 @@ public:
     struct walked_tree {
         qint64 entries = 0; // of its leaves; those of damaged ones are counted as they stand
         qint64 damaged = 0; // pages
+        qint64 doubtful = 0;
     };
     // Walks the tree of an object and marks its pages as reached. New damage goes to `damage`.
     walked_tree walk(quint32 root, quint32 object, page_damage& damage);
@@ -38,7 +42,7 @@ public:
     void count_outside(QHash<quint32, qint64>& entries) const;
 
 private:
-    enum mark : quint8 { unwritten = 1, damaged = 2, reached = 4 };
+    enum mark : quint8 { unwritten = 1, damaged = 2, reached = 4, doubtful = 8 };
     struct page_note {
         quint32 object = 0; // as the page says; of a reached one, the tree's
         quint16 entries = 0;

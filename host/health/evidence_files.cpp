@@ -65,10 +65,11 @@ bool read_through(const quiet_file& opened, evidence_record& record, evidence_pa
 }
 
 // The file's verdict after its bytes have gone by once.
-void judge(const QByteArray& file, evidence_kind kind, const quiet_file& opened, evidence_paths& paths,
-           const std::function<bool()>& cancelled) {
+void judge(const QByteArray& file, const QByteArray& location, evidence_kind kind, const quiet_file& opened,
+           evidence_paths& paths, const std::function<bool()>& cancelled) {
     const auto checker = kind == evidence_kind::ese_database ? ese_database_checker() : registry_hive_checker();
     evidence_record record = record_of(file, opened);
+    record.location = location;
     if (read_through(opened, record, paths, cancelled,
                      [&](const char* bytes, qint64 size) { checker->take(bytes, size); })) {
         record.health = checker->finish();
@@ -142,7 +143,7 @@ void check_evidence_file(const QByteArray& file, evidence_kind kind, evidence_pa
     } else if (opened.size() < 0) { // it was exchanged meanwhile
         paths.report().add_problem(shown_path(file), QStringLiteral("it is not a regular file"));
     } else {
-        judge(file, kind, opened, paths, cancelled);
+        judge(file, reached.real, kind, opened, paths, cancelled);
     }
 }
 

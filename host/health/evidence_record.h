@@ -10,8 +10,9 @@
 #include <functional>
 
 struct evidence_record {
-    QString path; // as shown; a name that is not UTF-8 has \xNN in it
-    QString kind; // "ESE database", "registry hive", "file"
+    QByteArray location; // every link resolved; known to the process that looked, told to no other
+    QString path;        // as shown; a name that is not UTF-8 has \xNN in it
+    QString kind;        // "ESE database", "registry hive", "file"
     qint64 size = 0;
     QByteArray sha256; // hexadecimal; empty: it could not be read to its end
     // ISO 8601 in UTC with nanoseconds; null: the file system does not tell.

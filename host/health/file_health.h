@@ -31,6 +31,9 @@ struct table_health {
     qint64 rows_outside = 0;
     qint64 long_value_entries = 0; // long values and their segments
     qint64 damaged_pages = 0;      // of rows and long values
+    // Causes to ask the reader how much it refuses; of no meaning where pages are damaged anyway.
+    qint64 doubtful_pages = 0;      // of rows: right checksum, but columns that do not lie as they must
+    bool lacks_long_values = false; // rows refer to long values that are not there, or whose place is not right
 };
 
 struct ese_health {

@@ -19,12 +19,15 @@ public:
         leaf = 0x2,
         empty = 0x8, // given up; its entries no longer count
         space_tree = 0x20,
+        index_tree = 0x40,
+        long_value_tree = 0x80,
     };
 
     // A whole page, 2048 to 32768 bytes, that outlives this object.
     explicit page_view(std::string_view whole_page) : bytes(whole_page) {}
 
     bool is_all_zero() const;
+    bool is_large() const;  // has the longer header, and flags in its entries instead of in their tags
     quint32 object() const; // the tree that it belongs to
     bool has(flag wanted) const { return (flags() & wanted) != 0; }
     // Entries, deleted ones included; the page's own value does not count.
@@ -32,16 +35,24 @@ public:
 
     struct entry {
         bool is_deleted = false;
-        std::string_view data; // a record, a long value or its part, or the number of a child page
+        std::string_view data;      // a record, a long value or its part, or the number of a child page
+        std::size_t common_key = 0; // so many bytes of the page's common key come before the local key
+        std::string_view local_key;
     };
+    // Of a page that is no root; may be empty.
+    std::string_view common_key() const;
     // 0 <= index < entry_count(). Nothing: the entry does not lie within the page.
     std::optional<entry> entry_at(int index) const;
     // Entries that are not deleted. Nothing: one of them does not lie within the page.
     std::optional<int> live_entries() const;
 
 private:
+    struct tag {
+        std::string_view value;
+        unsigned flags = 0;
+    };
+    std::optional<tag> tag_at(std::size_t number) const;
     quint32 flags() const;
-    bool is_large() const;
     std::size_t tag_count() const;
 
     std::string_view bytes;

@@ -5,6 +5,7 @@
 
 #include "common/named_connection.h"
 #include "result_db/schema.h"
+#include "source/native_names.h"
 
 #include <QFile>
 #include <QSqlError>
@@ -13,7 +14,10 @@
 #include <QSqlRecord>
 #include <QVariant>
 
+#include <cerrno>
+#include <cstdio>
 #include <functional>
+#include <unistd.h>
 
 namespace {
 
@@ -145,13 +149,32 @@ struct transfer {
 
 bool make_result_database(const QString& file, QString& error) {
     QSqlError sql_error;
+    const bool was_there = QFile::exists(file);
     const bool made = with_database(file, sql_error, [&](QSqlDatabase& database) {
         const bool done = database.transaction() && create_tables(database, sql_error) && database.commit();
         sql_error = done || sql_error.isValid() ? sql_error : database.lastError();
         return done;
     });
     error = sql_error.text();
+    if (!made && !was_there) {
+        QFile::remove(file); // half a database must not look like one without rows
+    }
     return made;
+}
+
+bool copy_database(const QString& database, const QString& copy, QString& error) {
+    QFile file(database);
+    const bool done = file.copy(copy);
+    error = file.errorString();
+    return done;
+}
+
+bool put_in_place(const QString& copy, const QString& database, QString& error) {
+    QFile file(copy);
+    const bool done = file.open(QIODevice::ReadOnly) && ::fsync(file.handle()) == 0 &&
+                      ::rename(QFile::encodeName(copy).constData(), QFile::encodeName(database).constData()) == 0;
+    error = file.error() != QFileDevice::NoError ? file.errorString() : error_words(errno);
+    return done;
 }
 
 merge_outcome merge_workers(const QString& file, const QStringList& workers, const QStringList& tables, bool clear,

@@ -20,6 +20,12 @@ struct merge_outcome {
 // Makes the file and its ten tables where they are missing; rows stay. False: it cannot be used, error says why.
 bool make_result_database(const QString& file, QString& error);
 
+// These two serve a change that is to be seen whole or not at all; the database is closed. False: error says why.
+// Copies it to a file that is not there; its folder is.
+bool copy_database(const QString& database, const QString& copy, QString& error);
+// Brings the copy safely to the disk and then, in one step, into the database's place. They share a file system.
+bool put_in_place(const QString& copy, const QString& database, QString& error);
+
 // Adds the rows of the workers' databases, in the given order and by their keys, in one transaction; keys follow the
 // highest one of each table, as if one process had written them all. tables: the ones to take rows from. clear: these
 // are emptied first, in the same transaction. Adds to counts only what was committed.

@@ -5,6 +5,7 @@
 #include "host/health/sha256.h"
 #include "host/record/evidence_json.h"
 #include "host/record/versions.h"
+#include "source/native_names.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -16,6 +17,7 @@
 #include <QThread>
 #include <QTimeZone>
 
+#include <cerrno>
 #include <clocale>
 
 namespace {
@@ -114,9 +116,13 @@ bool write_run_record(const run_summary& summary, const run_circumstances& circu
     const QString file = summary.output.folder + key("run.json");
     const QByteArray text = QJsonDocument(record_of(summary, circumstances)).toJson(QJsonDocument::Indented);
     QSaveFile saved(file);
-    if (!saved.open(QIODevice::WriteOnly) || saved.write(text) != text.size() || !keep_earlier_record(file) ||
-        !saved.commit()) {
-        error = QStringLiteral("the run record %1 cannot be written: %2").arg(file, saved.errorString());
+    // The commit alone would not notice that what is still buffered cannot be written.
+    if (!saved.open(QIODevice::WriteOnly) || saved.write(text) != text.size() || !saved.flush() ||
+        !keep_earlier_record(file) || !saved.commit()) {
+        const int reason = errno;
+        const bool is_known = saved.error() != QFileDevice::NoError && saved.error() != QFileDevice::UnspecifiedError;
+        error = QStringLiteral("the run record %1 cannot be written: %2")
+                    .arg(file, is_known || reason == 0 ? saved.errorString() : error_words(reason));
         return false;
     }
     return true;

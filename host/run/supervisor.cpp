@@ -78,7 +78,7 @@ struct supervisor::profile {
 supervisor::supervisor(const extract_options& asked, const QString& source_root, const QString& library_file,
                        const QList<QList<system_account>>& groups, run_summary& result)
     : options(asked), root(source_root), library(library_file), summary(result),
-      progress(asked.progress, groups.size()) {
+      progress(asked.progress, groups.size()), merge_target(result.output.database) {
     for (const QList<system_account>& accounts : groups) {
         auto one = std::make_unique<profile>();
         one->place = static_cast<int>(profiles.size());
@@ -198,6 +198,9 @@ void supervisor::take_message(profile& one, const worker_message& message) {
     case worker_message::evidence:
         take_evidence(one, message.record);
         return;
+    case worker_message::looked_over:
+        one.health = message.health;
+        break;
     case worker_message::checked:
         one.checked = true;
         one.health = message.health;
@@ -278,12 +281,40 @@ void supervisor::take_findings(profile& one) {
     }
 }
 
-// With --clear nothing is emptied before all profiles are through, and nothing at all when one of them could not be
-// written: the rows of earlier runs must not be lost for an unfinished run's.
 void supervisor::merge_finished() {
-    if (only_checks()) {
+    if (!only_checks() && options.clear) {
+        replace_database();
+    } else if (!only_checks()) {
+        merge_in_order();
+    }
+}
+
+// With --clear the rows go into a copy, when all profiles are through, and it takes the database's place only when it
+// is whole: the rows of earlier runs must not be lost for an unfinished run's.
+void supervisor::replace_database() {
+    merge_target = summary.output.workers + QStringLiteral("cleared.sqlite");
+    QString error;
+    const bool any =
+        std::any_of(profiles.begin(), profiles.end(), [](const auto& one) { return one->state == profile::finished; });
+    if (!any || !summary.output_troubles.isEmpty()) {
         return;
     }
+    bool done = copy_database(summary.output.database, merge_target, error);
+    if (done) {
+        merge_in_order();
+        done = !has_cleared || !summary.output_troubles.isEmpty() ||
+               put_in_place(merge_target, summary.output.database, error);
+    }
+    if (!done) {
+        summary.add_trouble(
+            QStringLiteral("the result database %1 cannot be written: %2").arg(summary.output.database, error));
+    }
+    if (!summary.output_troubles.isEmpty()) {
+        summary.rows.clear();
+    }
+}
+
+void supervisor::merge_in_order() {
     for (const auto& one : profiles) {
         const bool has_trouble =
             !one->log.output_trouble.isEmpty() || (options.clear && !summary.output_troubles.isEmpty());
@@ -326,13 +357,13 @@ void supervisor::merge(profile& one) {
 
 // A worker that was lost may have left a database that SQLite cannot read: its steps are lost then, no others'.
 merge_outcome supervisor::merge_all_that_can_be_read(profile& one, bool clear) {
-    merge_outcome outcome = merge_workers(summary.output.database, one.databases, options.tables, clear, summary.rows);
+    merge_outcome outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows);
     while (!outcome.done && !outcome.damaged_worker.isEmpty()) {
         summary.losses.append({one.label, QString(), outcome.damaged_worker,
                                QStringLiteral("the worker's database is damaged: ") + outcome.damage});
         one.databases.removeAll(outcome.damaged_worker);
         one.rows_before = 0; // they are told as lost
-        outcome = merge_workers(summary.output.database, one.databases, options.tables, clear, summary.rows);
+        outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows);
     }
     return outcome;
 }

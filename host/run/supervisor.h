@@ -45,6 +45,8 @@ private:
     void take_loss(profile& one, const worker_loss& loss);
     void take_findings(profile& one);
     void merge_finished();
+    void merge_in_order();
+    void replace_database();
     void merge(profile& one);
     merge_outcome merge_all_that_can_be_read(profile& one, bool clear);
     void look_round(); // at the workers' limits, and for a cancel
@@ -56,6 +58,7 @@ private:
     run_summary& summary;
     std::vector<std::unique_ptr<profile>> profiles;
     run_progress progress;
+    QString merge_target; // the database that rows go into
     QEventLoop loop;
     QTimer clock;
     int running = 0;

@@ -6,6 +6,7 @@
 #include "host/console.h"
 #include "host/environment.h"
 #include "host/exit_codes.h"
+#include "host/health/ese_probe.h"
 #include "host/health/source_health.h"
 #include "host/intake/newer_logs.h"
 #include "host/run/cancellation.h"
@@ -82,9 +83,9 @@ sandbox_state confine(const worker_request& request) {
 
 worker_message check(const worker_request& request, const message_pipe& pipe) {
     worker_message message;
-    message.what = worker_message::checked;
     const QByteArray root = real_location(QFile::encodeName(request.source_root));
     const std::function<bool()> cancelled = is_cancelled;
+    QVector<evidence_record> databases;
     const auto pass_on = [&](const evidence_record& record) {
         worker_message seen;
         seen.what = worker_message::evidence;
@@ -96,11 +97,20 @@ worker_message check(const worker_request& request, const message_pipe& pipe) {
             message.health.add_note(record.path, note);
         }
         pipe.send(seen);
+        if (record.health.ese && record.health.problem.isEmpty()) {
+            databases.append(record);
+        }
     };
     source_health health(root, request.checked_tables, cancelled, message.health, pass_on);
     for (const system_account& account : request.accounts) {
         health.check_account(account);
     }
+    message.what = worker_message::looked_over; // libesedb may end this process: what is known is told first
+    pipe.send(message);
+    for (const evidence_record& database : qAsConst(databases)) {
+        probe_ese_database(database, request.checked_tables, cancelled, message.health);
+    }
+    message.what = worker_message::checked;
     return message;
 }
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr const char* kind_names[] = {"unknown", "confined",  "evidence", "checked",
+constexpr const char* kind_names[] = {"unknown", "confined",  "evidence", "looked_over", "checked",
                                       "rows",    "step_done", "failed",   "ended"};
 
 QString key(const char* name) {
@@ -153,6 +153,7 @@ QByteArray to_line(const worker_message& message) {
     case worker_message::evidence:
         object.insert(key("record"), to_json(message.record));
         break;
+    case worker_message::looked_over:
     case worker_message::checked:
         object.insert(key("health"), to_json(message.health));
         break;

@@ -40,13 +40,14 @@ QString worker_log(const QString& folder);
 struct worker_message {
     enum kind {
         unknown,
-        confined,  // sandbox
-        evidence,  // record: a file that was looked at
-        checked,   // health
-        rows,      // number: rows so far
-        step_done, // number: steps done so far
-        failed,    // text: why it can do nothing
-        ended,     // it did all that it was asked to, or was cancelled
+        confined,    // sandbox
+        evidence,    // record: a file that was looked at
+        looked_over, // health: as far as it is known without libesedb
+        checked,     // health: all of it
+        rows,        // number: rows so far
+        step_done,   // number: steps done so far
+        failed,      // text: why it can do nothing
+        ended,       // it did all that it was asked to, or was cancelled
     };
     kind what = unknown;
     qint64 number = 0;
