@@ -11,7 +11,7 @@ packages+=(libarchive-dev libmimalloc-dev libxlsxwriter-dev)
 for extra in "$@"; do
     case "$extra" in
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
-        test) packages+=(gdal-bin python3-openpyxl sleuthkit) ;;
+        test) packages+=(gdal-bin python3-jsonschema python3-openpyxl sleuthkit) ;;
         bench) packages+=(sqlite3 libwin-hivex-perl libhivex-bin) ;;
         *) echo "setup: unknown word '$extra'" >&2; exit 2 ;;
     esac

@@ -12,6 +12,7 @@
 #include <QDateTime>
 #include <QVector>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -46,10 +47,11 @@ evidence_record record_of(const QByteArray& file, const quiet_file& opened) {
 bool read_through(const quiet_file& opened, evidence_record& record, evidence_paths& paths,
                   const std::function<bool()>& cancelled, const std::function<void(const char*, qint64)>& take) {
     constexpr qint64 chunk_size = 1 << 20;
-    static QByteArray chunk(static_cast<int>(chunk_size), Qt::Uninitialized);
+    // No larger than the file: a profile may hold thousands of small recordings.
+    QByteArray chunk(static_cast<int>(std::clamp<qint64>(opened.size() + 1, 1, chunk_size)), Qt::Uninitialized);
     sha256 digest;
     qint64 got = 0;
-    for (qint64 offset = 0; (got = opened.read(chunk.data(), chunk_size, offset)) > 0 && errno == 0; offset += got) {
+    for (qint64 offset = 0; (got = opened.read(chunk.data(), chunk.size(), offset)) > 0 && errno == 0; offset += got) {
         digest.take(chunk.constData(), got);
         take(chunk.constData(), got);
         if (cancelled()) {

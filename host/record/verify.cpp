@@ -68,11 +68,14 @@ verification verify_run(const QString& record_file, const QString& source) {
         result.files.append({path, difference_of(path, recorded)});
         result.differences += result.files.last().difference.isEmpty() ? 0 : 1;
     };
+    // The result may lie elsewhere now, and a later one's files where it lay.
+    const QJsonArray all_written = record[QStringLiteral("written")].toArray();
+    const QDir recorded_folder = QFileInfo(all_written.at(0)[QStringLiteral("path")].toString()).dir();
     const QDir folder = QFileInfo(record_file).dir();
-    for (const QJsonValue& written : record[QStringLiteral("written")].toArray()) {
+    for (const QJsonValue& written : all_written) {
         const QString path = written[QStringLiteral("path")].toString();
-        const QString beside = folder.filePath(QFileInfo(path).fileName()); // the result may lie elsewhere now
-        look_at(QFile::exists(path) || !QFile::exists(beside) ? path : beside, written.toObject());
+        const QString moved = QDir::cleanPath(folder.absoluteFilePath(recorded_folder.relativeFilePath(path)));
+        look_at(QFile::exists(moved) ? moved : path, written.toObject());
     }
     const QString recorded_source = record[QStringLiteral("source")].toString();
     for (const QJsonValue& evidence : record[QStringLiteral("evidence")].toArray()) {

@@ -179,7 +179,6 @@ void supervisor::start_worker(profile& one) {
     }
     one.state = profile::working;
     one.steps_done = 0;
-    one.rows_told = one.rows_kept = 0;
     one.worker = std::make_unique<worker_process>(request_for(one), options.limits);
     connect(one.worker.get(), &worker_process::message_came, this,
             [this, &one](const worker_message& message) { take_message(one, message); });
@@ -242,6 +241,7 @@ void supervisor::take_end(profile& one, const worker_loss& loss) {
         one.databases.append(worker_database(one.folders.last()));
     }
     one.rows_before += one.rows_kept;
+    one.rows_told = one.rows_kept = 0;
     one.remaining = one.remaining.mid(one.steps_done);
     if (!one.folders.isEmpty()) {
         take_findings(one);
