@@ -5,8 +5,8 @@
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 
-packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libhivex-dev libseccomp-dev libsqlite3-dev
-    libssl-dev)
+packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libhivex-dev libbfio-dev libseccomp-dev
+    libsqlite3-dev libssl-dev)
 packages+=(libarchive-dev libxlsxwriter-dev)
 for extra in "$@"; do
     case "$extra" in
