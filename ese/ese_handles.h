@@ -11,13 +11,16 @@
 
 #include <cstring>
 #include <memory>
-#include <sys/stat.h>
 
 namespace ese {
 
 constexpr int success = 1;
 
+struct free_input {
+    void operator()(libbfio_handle_t* input) const { libbfio_handle_free(&input, nullptr); }
+};
 struct close_file {
+    std::unique_ptr<libbfio_handle_t, free_input> input; // what the file is read through; outlives it
     void operator()(libesedb_file_t* file) const {
         libesedb_file_close(file, nullptr);
         libesedb_file_free(&file, nullptr);
@@ -38,23 +41,9 @@ using table_handle = std::unique_ptr<libesedb_table_t, free_table>;
 using record_handle = std::unique_ptr<libesedb_record_t, free_record>;
 using long_value_handle = std::unique_ptr<libesedb_long_value_t, free_long_value>;
 
-// A pipe in a database's place would make the open wait for a writer that never comes.
-inline bool is_regular_file(const QByteArray& path) {
-    struct stat status = {};
-    return ::stat(path.constData(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
 // Each gives a null handle when libesedb cannot. path is in the local 8-bit encoding, name in UTF-8; both end at
-// their first zero byte.
-inline file_handle open_file(const QByteArray& path) {
-    libesedb_file_t* file = nullptr;
-    if (!is_regular_file(path) || libesedb_file_initialize(&file, nullptr) != success) {
-        return nullptr;
-    }
-    file_handle owned(file);
-    return libesedb_file_open(file, path.constData(), LIBESEDB_OPEN_READ, nullptr) == success ? std::move(owned)
-                                                                                              : nullptr;
-}
+// their first zero byte. A file keeps its access time where the system allows that; only a regular one is opened.
+file_handle open_file(const QByteArray& path);
 
 inline table_handle find_table(libesedb_file_t* file, const QByteArray& name) {
     libesedb_table_t* table = nullptr;

@@ -5,9 +5,8 @@
 #include "registry/registry.h"
 
 #include "common/filetime.h"
-#include "registry/hive_handles.h"
+#include "registry/open_hive.h"
 
-#include <QFileInfo>
 #include <QStringList>
 #include <QtEndian>
 
@@ -49,32 +48,26 @@ int registry::start_registry_parse(QString hive_file, QString key_path, bool onl
     if (hive_file.isEmpty() || key_path.isEmpty()) {
         return -1;
     }
-    // A pipe in the file's place would block, and node handles beyond 2 GiB do not fit the child maps.
-    const QFileInfo file(hive_file);
-    if (!file.isFile() || file.size() > std::numeric_limits<int>::max()) {
-        return -1;
-    }
-    // Deliberate: the write flag makes hivex read the whole file into memory and close it at once. Without it the file
-    // stays mapped, and a source that goes away or shrinks during the walk would kill the process. Nothing is written.
-    const hive_handle hive(hivex_open(hive_file.toLocal8Bit().constData(), HIVEX_OPEN_WRITE));
+    const opened_hive file = open_hive(hive_file.toLocal8Bit());
+    hive_h* const hive = file.hive.get();
     if (hive == nullptr) {
         return -1;
     }
-    const hive_node_h root = hivex_root(hive.get());
+    const hive_node_h root = hivex_root(hive);
     if (root == 0) {
         return 0;
     }
-    hive_bytes = file.size();
+    hive_bytes = file.size;
     readable_bytes = utf8_growth * hive_bytes;
     losable_bytes = most_failed_reads * hive_bytes;
-    const hive_node_h node = get_user_node_handle(hive.get(), key_path, root);
+    const hive_node_h node = get_user_node_handle(hive, key_path, root);
     if (!only_this_key) {
-        run_only_multiple_paths(hive.get(), node);
+        run_only_multiple_paths(hive, node);
     } else if (node != 0) {
         my_data_inst_apps record;
-        node_name = QString::fromUtf8(hive_text(hivex_node_name(hive.get(), node)).get());
+        node_name = QString::fromUtf8(hive_text(hivex_node_name(hive, node)).get());
         current_record = &record;
-        values_of_the_node(hive.get(), node);
+        values_of_the_node(hive, node);
         record_list.append(record);
     }
     current_record = nullptr;
