@@ -56,11 +56,11 @@ QString schema_name(int worker) {
     return QStringLiteral("worker%1").arg(worker);
 }
 
-bool attach(QSqlDatabase& database, const QStringList& workers, QSqlError& error) {
+bool attach(QSqlDatabase& database, const QVector<worker_rows>& workers, QSqlError& error) {
     for (int i = 0; i < workers.size(); ++i) {
         QSqlQuery query(database);
         query.prepare(QStringLiteral("attach database ? as ") + schema_name(i));
-        query.addBindValue(workers[i]);
+        query.addBindValue(workers[i].database);
         if (!query.exec()) {
             error = query.lastError();
             return false;
@@ -121,7 +121,7 @@ bool is_damage(const QSqlError& error) {
 
 // Everything between begin and commit.
 struct transfer {
-    const QStringList& workers;
+    const QVector<worker_rows>& workers;
     const QStringList& tables;
     bool clear;
     added_rows taken;
@@ -134,7 +134,7 @@ struct transfer {
             }
         }
         for (current_worker = 0; current_worker < workers.size(); ++current_worker) {
-            for (const QString& table : tables) {
+            for (const QString& table : workers[current_worker].tables) {
                 if (!take_table(database, schema_name(current_worker), table, taken, error)) {
                     return false;
                 }
@@ -177,8 +177,8 @@ bool put_in_place(const QString& copy, const QString& database, QString& error) 
     return done;
 }
 
-merge_outcome merge_workers(const QString& file, const QStringList& workers, const QStringList& tables, bool clear,
-                            added_rows& counts) {
+merge_outcome merge_workers(const QString& file, const QVector<worker_rows>& workers, const QStringList& tables,
+                            bool clear, added_rows& counts) {
     merge_outcome outcome;
     QSqlError error;
     transfer rows{workers, tables, clear, {}, -1};
@@ -197,7 +197,7 @@ merge_outcome merge_workers(const QString& file, const QStringList& workers, con
     if (outcome.done) {
         add_counts(rows.taken, counts, outcome.rows);
     } else if (is_damage(error) && rows.current_worker >= 0) {
-        outcome.damaged_worker = workers[rows.current_worker];
+        outcome.damaged_worker = workers[rows.current_worker].database;
         outcome.damage = error.text();
     } else {
         outcome.trouble = error.text();

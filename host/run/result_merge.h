@@ -5,6 +5,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 using added_rows = QMap<QString, QMap<QString, qint64>>; // table -> system_user -> rows
 
@@ -26,8 +27,14 @@ bool copy_database(const QString& database, const QString& copy, QString& error)
 // Brings the copy safely to the disk and then, in one step, into the database's place. They share a file system.
 bool put_in_place(const QString& copy, const QString& database, QString& error);
 
+// The tables of a worker's database that it finished.
+struct worker_rows {
+    QString database;
+    QStringList tables;
+};
+
 // Adds the rows of the workers' databases, in the given order and by their keys, in one transaction; keys follow the
-// highest one of each table, as if one process had written them all. tables: the ones to take rows from. clear: these
-// are emptied first, in the same transaction. Adds to counts only what was committed.
-merge_outcome merge_workers(const QString& file, const QStringList& workers, const QStringList& tables, bool clear,
-                            added_rows& counts);
+// highest one of each table, as if one process had written them all. clear: tables are emptied first, in the same
+// transaction. Adds to counts only what was committed.
+merge_outcome merge_workers(const QString& file, const QVector<worker_rows>& workers, const QStringList& tables,
+                            bool clear, added_rows& counts);

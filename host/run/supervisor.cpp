@@ -60,15 +60,15 @@ struct supervisor::profile {
     int place = 0; // in the run
     QList<system_account> accounts;
     QString label;
-    QStringList remaining;  // tables that no worker has finished or lost
-    bool checked = false;   // the look over the evidence is done or lost
-    QStringList folders;    // of its workers so far, the running one's last
-    QStringList databases;  // of its workers so far that finished a step
-    int steps_done = 0;     // by the running worker
-    qint64 rows_told = 0;   // by the running worker
-    qint64 rows_kept = 0;   // of the running worker's finished steps
-    qint64 rows_before = 0; // of the finished steps of those before it
-    int ended_runs = 0;     // runs of the plugin that came to their end
+    QStringList remaining;          // tables that no worker has finished or lost
+    bool checked = false;           // the look over the evidence is done or lost
+    QStringList folders;            // of its workers so far, the running one's last
+    QVector<worker_rows> databases; // of its workers so far that finished a step
+    int steps_done = 0;             // by the running worker
+    qint64 rows_told = 0;           // by the running worker
+    qint64 rows_kept = 0;           // of the running worker's finished steps
+    qint64 rows_before = 0;         // of the finished steps of those before it
+    int ended_runs = 0;             // runs of the plugin that came to their end
     log_findings log;
     health_report health;
     QVector<evidence_record> evidence;
@@ -238,7 +238,9 @@ void supervisor::take_end(profile& one, const worker_loss& loss) {
     --running;
     one.worker.release()->deleteLater(); // it is telling of its end
     if (one.steps_done > 0) {
-        one.databases.append(worker_database(one.folders.last()));
+        // Of a lost step some rows may be there: it is told as lost, so they are not taken. A cancelled one keeps them.
+        one.databases.append({worker_database(one.folders.last()),
+                              is_cancelled() ? one.remaining : one.remaining.mid(0, one.steps_done)});
     }
     one.rows_before += one.rows_kept;
     one.rows_told = one.rows_kept = 0;
@@ -361,7 +363,9 @@ merge_outcome supervisor::merge_all_that_can_be_read(profile& one, bool clear) {
     while (!outcome.done && !outcome.damaged_worker.isEmpty()) {
         summary.losses.append({one.label, QString(), outcome.damaged_worker,
                                QStringLiteral("the worker's database is damaged: ") + outcome.damage});
-        one.databases.removeAll(outcome.damaged_worker);
+        const auto is_damaged = [&](const worker_rows& rows) { return rows.database == outcome.damaged_worker; };
+        one.databases.erase(std::remove_if(one.databases.begin(), one.databases.end(), is_damaged),
+                            one.databases.end());
         one.rows_before = 0; // they are told as lost
         outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows);
     }
