@@ -121,6 +121,7 @@ struct transfer {
     const QStringList& tables;
     bool clear;
     added_rows taken;
+    QMap<QString, qint64> keys_before;
     int current_worker = -1; // whose rows are being taken
 
     bool run(QSqlDatabase& database, QSqlError& error) {
@@ -128,6 +129,12 @@ struct transfer {
             if (clear && !run_statement(database, QStringLiteral("delete from ") + table, error)) {
                 return false;
             }
+            QSqlQuery query(database);
+            if (!query.exec(QStringLiteral("select coalesce(max(INT),0) from main.") + table) || !query.next()) {
+                error = query.lastError();
+                return false;
+            }
+            keys_before.insert(table, query.value(0).toLongLong());
         }
         for (current_worker = 0; current_worker < workers.size(); ++current_worker) {
             for (const QString& table : tables) {
@@ -158,7 +165,7 @@ merge_outcome merge_workers(const QString& file, const QStringList& workers, con
                             added_rows& counts) {
     merge_outcome outcome;
     QSqlError error;
-    transfer rows{workers, tables, clear, {}, -1};
+    transfer rows{workers, tables, clear, {}, {}, -1};
     outcome.done = with_database(file, error, [&](QSqlDatabase& database) {
         if (!attach(database, workers, error) || !database.transaction()) {
             return false;
@@ -173,6 +180,7 @@ merge_outcome merge_workers(const QString& file, const QStringList& workers, con
     });
     if (outcome.done) {
         add_counts(rows.taken, counts, outcome.rows);
+        outcome.keys_before = rows.keys_before;
     } else if (is_damage(error) && rows.current_worker >= 0) {
         outcome.damaged_worker = workers[rows.current_worker];
         outcome.damage = error.text();
