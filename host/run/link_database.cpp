@@ -29,6 +29,8 @@ const char* const create_statements[] = {
     "creation_time integer,last_update_time integer,last_access_time integer,completion_time integer)",
 };
 
+constexpr int all_tables = 3; // that hold reminders
+
 // What a row, or a row of the worker's reminders, shows; it begins at that column.
 reminder_content content_at(const QSqlQuery& query, int first) {
     const auto number = [&](int column) { return query.value(first + column).toLongLong(); };
@@ -55,7 +57,7 @@ public:
         for (const QString& table : tables) {
             done = done && write_table(table);
         }
-        constexpr int all_tables = 3; // with fewer, reminders of the others would seem to be missing
+        // With fewer tables, reminders of the others would seem to be missing.
         return done && (tables.size() < all_tables || !has_worker || write_not_shown());
     }
 
@@ -300,7 +302,8 @@ bool clear_links(const QString& database_file, const QStringList& tables, QStrin
                 query.addBindValue(table);
                 done = done && query.exec();
             }
-            done = done && query.exec(QStringLiteral("delete from reminders_not_shown"));
+            const bool all = cleared.size() == all_tables;
+            done = done && (!all || query.exec(QStringLiteral("delete from reminders_not_shown")));
             failure = query.lastError();
             return done;
         });
