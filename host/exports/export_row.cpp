@@ -2,7 +2,9 @@
 // Look-ups in a row, and what is asked of the database for it.
 #include "host/exports/export_row.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 int export_table::index_of(const char* column) const {
     for (int i = 0; i < columns.size(); ++i) {
@@ -24,6 +26,25 @@ export_table described_export(const table_description& table, bool with_zone) {
     }
     described.select += " from main." + described.name + " order by INT";
     return described;
+}
+
+void add_link_columns(export_table& table) {
+    const QByteArray reminder_tables[] = {"time_reminders", "place_reminders", "contact_triggers"};
+    if (std::find(std::begin(reminder_tables), std::end(reminder_tables), table.name) == std::end(reminder_tables)) {
+        return;
+    }
+    QByteArray columns;
+    for (const column_description& column : qAsConst(table.columns)) {
+        columns += QByteArray(columns.isEmpty() ? "r." : ",r.") + column.name;
+    }
+    const char* const by_ids = "Triggers: ReminderId, Reminders: Id";
+    table.columns.append({"reminder_link", column_kind::text, "",
+                          "whether title, text and times are those of the reminder that the ids lead to", by_ids});
+    table.columns.append({"linked_title", column_kind::text, "", "title of the reminder that the ids lead to", by_ids});
+    table.columns.append({"linked_text", column_kind::text, "", "text of the reminder that the ids lead to", by_ids});
+    table.select = "select " + columns + ",l.reminder_link,l.linked_title,l.linked_text from main." + table.name +
+                   " r left join links.reminder_links l on l.table_name='" + table.name +
+                   "' and l.INT=r.INT order by r.INT";
 }
 
 std::string_view text_in(const export_row& row, int column) {

@@ -42,6 +42,9 @@ struct export_table {
 };
 
 export_table described_export(const table_description& table, bool with_zone);
+// Adds the columns reminder_link, linked_title and linked_text to a table of reminders; others stay as they are. For a
+// reader that has links.
+void add_link_columns(export_table& table);
 
 struct export_row {
     const export_table& table;

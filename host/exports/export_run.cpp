@@ -61,11 +61,14 @@ private:
     std::vector<chosen_format> formats;
 };
 
-QVector<export_table> wanted_tables(const export_request& request) {
+QVector<export_table> wanted_tables(const export_request& request, bool with_links) {
     QVector<export_table> tables;
     for (const table_description& table : table_descriptions()) {
         if (request.tables.contains(QLatin1String(table.name))) {
             tables.append(described_export(table, request.zone.isValid()));
+            if (with_links) {
+                add_link_columns(tables.last());
+            }
         }
     }
     return tables;
@@ -82,7 +85,7 @@ QString reading_trouble(const export_request& request, const table_reader& sourc
 export_outcome run_export(const export_request& request, const std::function<bool()>& cancelled) {
     export_outcome outcome;
     table_reader source(request.database);
-    const QVector<export_table> tables = wanted_tables(request);
+    const QVector<export_table> tables = wanted_tables(request, source.has_links());
     if (!std::all_of(tables.begin(), tables.end(), [&](const export_table& table) { return source.has(table); })) {
         outcome.error = reading_trouble(request, source);
         return outcome;

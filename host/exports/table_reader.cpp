@@ -2,6 +2,10 @@
 // The cells point into SQLite's own row.
 #include "host/exports/table_reader.h"
 
+#include "host/record/links_file.h"
+
+#include <QFile>
+
 namespace {
 
 export_cell cell_at(sqlite3_stmt* row, int column) {
@@ -58,9 +62,23 @@ bool fill_row(sqlite3_stmt* source, const QTimeZone& zone, export_row& row) {
 } // namespace
 
 table_reader::table_reader(const QString& file) : database(open_for_reading(file, trouble)) {
+    if (trouble.isEmpty() && QFile::exists(links_file(file))) {
+        links = attach_links(links_file(file));
+    }
     if (trouble.isEmpty() && sqlite3_exec(database.get(), "begin", nullptr, nullptr, nullptr) != SQLITE_OK) {
         fail();
     }
+}
+
+// Attached files are read-only like the first.
+bool table_reader::attach_links(const QString& file) {
+    sqlite3_stmt* prepared = nullptr;
+    sqlite3_prepare_v2(database.get(), "attach database ? as links", -1, &prepared, nullptr);
+    const statement_handle statement(prepared);
+    const QByteArray path = path_for_sqlite(file);
+    const bool done = sqlite3_bind_text(prepared, 1, path.constData(), path.size(), SQLITE_STATIC) == SQLITE_OK &&
+                      sqlite3_step(prepared) == SQLITE_DONE;
+    return done || fail();
 }
 
 bool table_reader::fail() {

@@ -16,6 +16,8 @@ public:
     // Why the database cannot be read; empty while it can.
     const QString& error() const { return trouble; }
 
+    // A links database lies beside the file: add_link_columns may be used on what is read.
+    bool has_links() const { return links; }
     // False: the file holds no such table with all of its columns, or is none that can be read.
     bool has(const export_table& table) { return prepare(table) != nullptr; }
     // Hands over each row of the table in the order of its key, in constant memory. zone: for export_time::in_zone,
@@ -25,7 +27,9 @@ public:
 private:
     statement_handle prepare(const export_table& table);
     bool fail();
+    bool attach_links(const QString& file);
 
     QString trouble;
+    bool links = false;
     database_handle database;
 };

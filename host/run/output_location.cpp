@@ -4,6 +4,7 @@
 
 #include "contract/result_layout.h"
 #include "host/exit_codes.h"
+#include "host/record/links_file.h"
 #include "source/native_names.h"
 #include "source/real_location.h"
 
@@ -113,8 +114,9 @@ output_location settle_output(const QString& result, const QString& log, const Q
     output.database = result_layout::database_file(below, artifact_name);
 
     const future_path folders[] = {locate(below), locate(output.workers)};
-    const future_path files[] = {locate(output.log), locate(output.database),
-                                 locate(output.database + QStringLiteral("-journal"))};
+    const future_path files[] = {
+        locate(output.log), locate(output.database), locate(output.database + QStringLiteral("-journal")),
+        locate(links_file(output.database)), locate(links_file(output.database) + QStringLiteral("-journal"))};
     for (const future_path& path : folders) {
         const QString why = folder_trouble(path);
         if (!path.real.isEmpty() && is_at_or_below(path.real, source)) {

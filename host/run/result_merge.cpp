@@ -125,6 +125,7 @@ struct transfer {
     const QStringList& tables;
     bool clear;
     added_rows taken;
+    QMap<QString, qint64> keys_before;
     int current_worker = -1; // whose rows are being taken
 
     bool run(QSqlDatabase& database, QSqlError& error) {
@@ -132,6 +133,12 @@ struct transfer {
             if (clear && !run_statement(database, QStringLiteral("delete from ") + table, error)) {
                 return false;
             }
+            QSqlQuery query(database);
+            if (!query.exec(QStringLiteral("select coalesce(max(INT),0) from main.") + table) || !query.next()) {
+                error = query.lastError();
+                return false;
+            }
+            keys_before.insert(table, query.value(0).toLongLong());
         }
         for (current_worker = 0; current_worker < workers.size(); ++current_worker) {
             for (const QString& table : workers[current_worker].tables) {
@@ -181,7 +188,7 @@ merge_outcome merge_workers(const QString& file, const QVector<worker_rows>& wor
                             bool clear, added_rows& counts) {
     merge_outcome outcome;
     QSqlError error;
-    transfer rows{workers, tables, clear, {}, -1};
+    transfer rows{workers, tables, clear, {}, {}, -1};
     outcome.done = with_database(file, error, [&](QSqlDatabase& database) {
         if (!attach(database, workers, error) || !database.transaction()) {
             return false;
@@ -196,6 +203,7 @@ merge_outcome merge_workers(const QString& file, const QVector<worker_rows>& wor
     });
     if (outcome.done) {
         add_counts(rows.taken, counts, outcome.rows);
+        outcome.keys_before = rows.keys_before;
     } else if (is_damage(error) && rows.current_worker >= 0) {
         outcome.damaged_worker = workers[rows.current_worker].database;
         outcome.damage = error.text();

@@ -13,9 +13,10 @@ using added_rows = QMap<QString, QMap<QString, qint64>>; // table -> system_user
 struct merge_outcome {
     bool done = false;
     qint64 rows = 0;
-    QString trouble;        // why the result database cannot be written
-    QString damaged_worker; // the database of a worker that cannot be read; nothing was written
-    QString damage;         // why not
+    QMap<QString, qint64> keys_before; // the highest key of each table before its rows came; emptied tables: 0
+    QString trouble;                   // why the result database cannot be written
+    QString damaged_worker;            // the database of a worker that cannot be read; nothing was written
+    QString damage;                    // why not
 };
 
 // Makes the file and its ten tables where they are missing; rows stay. False: it cannot be used, error says why.

@@ -4,6 +4,7 @@
 
 #include "host/health/sha256.h"
 #include "host/record/evidence_json.h"
+#include "host/record/links_file.h"
 #include "host/record/versions.h"
 #include "source/native_names.h"
 
@@ -93,7 +94,11 @@ QJsonObject record_of(const run_summary& summary, const run_circumstances& circu
     record.insert(key("ended"), utc(circumstances.ended));
     record.insert(key("evidence"), evidence);
     record.insert(key("evidence_not_listed"), summary.evidence_not_listed);
-    record.insert(key("written"), QJsonArray{written_file(summary.output.database), written_file(summary.output.log)});
+    QJsonArray written{written_file(summary.output.database), written_file(summary.output.log)};
+    if (QFile::exists(links_file(summary.output.database))) {
+        written.append(written_file(links_file(summary.output.database)));
+    }
+    record.insert(key("written"), written);
     return record;
 }
 

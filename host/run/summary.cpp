@@ -122,6 +122,28 @@ QJsonArray json_losses(const run_summary& summary) {
     return list;
 }
 
+QJsonObject json_links(const link_counts& links) {
+    return {{QStringLiteral("confirmed"), links.confirmed},
+            {QStringLiteral("contradicted"), links.contradicted},
+            {QStringLiteral("undecided"), links.undecided},
+            {QStringLiteral("reminders_not_shown"), links.not_shown}};
+}
+
+QString links_line(const link_counts& links) {
+    QString text = QStringLiteral("reminders        %1 confirmed, %2 contradicted, %3 undecided by their ids")
+                       .arg(links.confirmed)
+                       .arg(links.contradicted)
+                       .arg(links.undecided);
+    if (links.contradicted > 0) {
+        text += QStringLiteral("\n                 contradicted: title, text and times are those of another reminder");
+    }
+    if (links.not_shown > 0) {
+        text +=
+            QStringLiteral("\n                 %1 in no row").arg(counted(links.not_shown, "reminder", "reminders"));
+    }
+    return text + QLatin1Char('\n');
+}
+
 QString outcome_name(int code) {
     switch (code) {
     case exit_complete:
@@ -186,6 +208,9 @@ QString summary_table(const run_summary& summary) {
     text += QStringLiteral("result database  %1\n").arg(printable(summary.output.database));
     text += QStringLiteral("debug log        %1 (%2)\n")
                 .arg(printable(summary.output.log), counted(summary.log.failures, "failure", "failures"));
+    if (summary.links.rows() > 0) {
+        text += links_line(summary.links);
+    }
     if (!summary.losses.isEmpty()) {
         text += QStringLiteral("not finished     %1\n").arg(counted(summary.losses.size(), "step", "steps"));
     }
@@ -216,6 +241,7 @@ QJsonObject summary_object(const run_summary& summary) {
         {QStringLiteral("failures"), summary.log.failures},
         {QStringLiteral("first_failures"), QJsonArray::fromStringList(summary.log.first_failures)},
         {QStringLiteral("losses"), json_losses(summary)},
+        {QStringLiteral("reminder_links"), json_links(summary.links)},
         {QStringLiteral("could_not_read"), summary.health.problem_count},
         {QStringLiteral("problems"), json_findings(summary.health.problems)},
         {QStringLiteral("note_count"), summary.health.note_count},

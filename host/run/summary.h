@@ -5,6 +5,7 @@
 #include "host/health/evidence_record.h"
 #include "host/health/health_report.h"
 #include "host/record/log_findings.h"
+#include "host/run/link_database.h"
 #include "host/run/output_location.h"
 #include "host/run/result_merge.h"
 #include "host/run/sandbox.h"
@@ -29,6 +30,7 @@ struct run_summary {
     QStringList profiles;     // chosen ones
     QStringList not_examined; // of these, those that a cancel left out
     added_rows rows;
+    link_counts links; // of the reminder rows added
     qint64 milliseconds = 0;
     health_report health;
     QVector<evidence_record> evidence; // in the profiles' order

@@ -3,8 +3,10 @@
 // own, so that nothing of the lost one is used but the steps that it had finished.
 #include "host/run/supervisor.h"
 
+#include "host/record/links_file.h"
 #include "host/run/cancellation.h"
 #include "host/run/result_merge.h"
+#include "host/run/worker_links.h"
 #include "source/places.h"
 
 #include <QDir>
@@ -61,6 +63,8 @@ struct supervisor::profile {
     QList<system_account> accounts;
     QString label;
     QStringList remaining;          // tables that no worker has finished or lost
+    bool linked = false;            // a worker told what reminders belong to, or cannot
+    QString links;                  // where it is told; empty: nowhere
     bool checked = false;           // the look over the evidence is done or lost
     QStringList folders;            // of its workers so far, the running one's last
     QVector<worker_rows> databases; // of its workers so far that finished a step
@@ -85,6 +89,7 @@ supervisor::supervisor(const extract_options& asked, const QString& source_root,
         one->accounts = accounts;
         one->label = label_of(accounts);
         one->remaining = only_checks() ? QStringList() : options.tables;
+        one->linked = reminder_tables(one->remaining).isEmpty();
         profiles.push_back(std::move(one));
     }
     connect(&clock, &QTimer::timeout, this, &supervisor::look_round);
@@ -163,6 +168,7 @@ worker_request supervisor::request_for(const profile& one) const {
     request.check = !one.checked;
     request.checked_tables = options.tables;
     request.tables = one.remaining;
+    request.link = !one.linked;
     request.folder = one.folders.value(one.folders.size() - 1);
     request.library = library;
     request.os_scheme = options.os_scheme;
@@ -213,6 +219,10 @@ void supervisor::take_message(profile& one, const worker_message& message) {
         one.rows_kept = one.rows_told;
         one.worker->step_began();
         break;
+    case worker_message::linked:
+        one.linked = true;
+        one.links = worker_links(one.folders.last());
+        break;
     case worker_message::failed:
         summary.fault = message.text;
         break;
@@ -252,7 +262,7 @@ void supervisor::take_end(profile& one, const worker_loss& loss) {
     if (lost) {
         take_loss(one, loss);
     }
-    one.state = lost && !one.remaining.isEmpty() ? profile::waiting : profile::finished;
+    one.state = lost && !(one.remaining.isEmpty() && one.linked) ? profile::waiting : profile::finished;
     if (one.state == profile::waiting && may_start()) {
         start_worker(one);
     }
@@ -267,7 +277,8 @@ void supervisor::take_loss(profile& one, const worker_loss& loss) {
     const bool in_step = one.checked && !one.remaining.isEmpty();
     const QString table = in_step ? one.remaining.takeFirst() : QString();
     summary.losses.append({one.label, table, loss.file.isEmpty() ? place_of(table) : loss.file, loss.reason});
-    one.checked = true; // what it was looked over for is told; the steps come next
+    one.linked = one.linked || (one.checked && !in_step); // lost at it once is enough
+    one.checked = true;                                   // what it was looked over for is told; the steps come next
 }
 
 void supervisor::take_findings(profile& one) {
@@ -301,11 +312,12 @@ void supervisor::replace_database() {
     if (!any || !summary.output_troubles.isEmpty()) {
         return;
     }
-    bool done = copy_database(summary.output.database, merge_target, error);
+    const QString links = links_file(summary.output.database);
+    bool done = copy_database(summary.output.database, merge_target, error) &&
+                (!QFile::exists(links) || copy_database(links, links_file(merge_target), error));
     if (done) {
         merge_in_order();
-        done = !has_cleared || !summary.output_troubles.isEmpty() ||
-               put_in_place(merge_target, summary.output.database, error);
+        done = !has_cleared || !summary.output_troubles.isEmpty() || put_cleared_in_place(links, error);
     }
     if (!done) {
         summary.add_trouble(
@@ -314,6 +326,14 @@ void supervisor::replace_database() {
     if (!summary.output_troubles.isEmpty()) {
         summary.rows.clear();
     }
+}
+
+// Links must never stand beside rows of another run: they go first and come last.
+bool supervisor::put_cleared_in_place(const QString& links, QString& error) const {
+    const QString new_links = links_file(merge_target);
+    QFile::remove(links);
+    return put_in_place(merge_target, summary.output.database, error) &&
+           (!QFile::exists(new_links) || put_in_place(new_links, links, error));
 }
 
 void supervisor::merge_in_order() {
@@ -332,6 +352,11 @@ void supervisor::merge_in_order() {
 void supervisor::merge(profile& one) {
     one.state = profile::merged;
     const bool clear = options.clear && !has_cleared;
+    QString links_trouble;
+    if (clear && !clear_links(merge_target, options.tables, links_trouble)) {
+        summary.add_trouble(QStringLiteral("the links of reminders cannot be cleared: %1").arg(links_trouble));
+        return;
+    }
     const merge_outcome outcome = merge_all_that_can_be_read(one, clear);
     if (!outcome.done) {
         summary.add_trouble(QStringLiteral("the result database %1 cannot be written: %2")
@@ -339,6 +364,7 @@ void supervisor::merge(profile& one) {
         return;
     }
     has_cleared = has_cleared || clear;
+    add_links_of(one, outcome);
     if (outcome.rows < one.rows_before) {
         summary.add_trouble(QStringLiteral("rows were lost: the plugin wrote %1, the database %2 got %3")
                                 .arg(one.rows_before)
@@ -354,6 +380,14 @@ void supervisor::merge(profile& one) {
     if (!whole) {
         summary.add_trouble(
             QStringLiteral("the debug log %1 is not whole: it could not be written").arg(summary.output.log));
+    }
+}
+
+void supervisor::add_links_of(const profile& one, const merge_outcome& outcome) {
+    QString error;
+    const linked_rows rows{merge_target, one.links, options.tables, outcome.keys_before};
+    if (!reminder_tables(options.tables).isEmpty() && !add_links(rows, summary.links, error)) {
+        summary.add_trouble(QStringLiteral("the links of reminders cannot be written: %1").arg(error));
     }
 }
 

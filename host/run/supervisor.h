@@ -46,8 +46,10 @@ private:
     void take_findings(profile& one);
     void merge_finished();
     void merge_in_order();
+    bool put_cleared_in_place(const QString& links, QString& error) const;
     void replace_database();
     void merge(profile& one);
+    void add_links_of(const profile& one, const merge_outcome& outcome);
     merge_outcome merge_all_that_can_be_read(profile& one, bool clear);
     void look_round(); // at the workers' limits, and for a cancel
     void tell_progress(const profile& one);

@@ -13,6 +13,7 @@
 #include "host/run/plugin_run.h"
 #include "host/run/process_limits.h"
 #include "host/run/runtime_paths.h"
+#include "host/run/worker_links.h"
 #include "host/run/worker_protocol.h"
 #include "source/real_location.h"
 
@@ -143,6 +144,11 @@ int work(const worker_request& request, const message_pipe& pipe) {
         }
         message_relay relay(pipe);
         run_plugin(library, request, relay);
+    }
+    if (request.link && !is_cancelled() && write_worker_links(request)) {
+        worker_message linked;
+        linked.what = worker_message::linked;
+        pipe.send(linked);
     }
     worker_message ended;
     ended.what = worker_message::ended;

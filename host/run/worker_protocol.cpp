@@ -15,7 +15,7 @@
 namespace {
 
 constexpr const char* kind_names[] = {"unknown", "confined",  "evidence", "looked_over", "checked",
-                                      "rows",    "step_done", "failed",   "ended"};
+                                      "rows",    "step_done", "linked",   "failed",      "ended"};
 
 QString key(const char* name) {
     return QLatin1String(name);
@@ -105,6 +105,7 @@ QByteArray to_bytes(const worker_request& request) {
         {key("check"), request.check},
         {key("checked_tables"), QJsonArray::fromStringList(request.checked_tables)},
         {key("tables"), QJsonArray::fromStringList(request.tables)},
+        {key("link"), request.link},
         {key("folder"), request.folder},
         {key("library"), request.library},
         {key("os_scheme"), request.os_scheme},
@@ -126,6 +127,7 @@ worker_request request_from(const QByteArray& bytes) {
     request.check = object[key("check")].toBool();
     request.checked_tables = texts_from(object[key("checked_tables")]);
     request.tables = texts_from(object[key("tables")]);
+    request.link = object[key("link")].toBool();
     request.folder = object[key("folder")].toString();
     request.library = object[key("library")].toString();
     request.os_scheme = object[key("os_scheme")].toString();
@@ -142,6 +144,10 @@ QString worker_database(const QString& folder) {
 
 QString worker_log(const QString& folder) {
     return folder + QStringLiteral("/cortana_debug.log");
+}
+
+QString worker_links(const QString& folder) {
+    return folder + QStringLiteral("/links.sqlite");
 }
 
 QByteArray to_line(const worker_message& message) {
@@ -165,6 +171,7 @@ QByteArray to_line(const worker_message& message) {
         object.insert(key("text"), message.text);
         break;
     case worker_message::unknown:
+    case worker_message::linked:
     case worker_message::ended:
         break;
     }

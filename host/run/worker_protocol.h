@@ -20,6 +20,7 @@ struct worker_request {
     bool check = false; // look over the evidence that the checked tables come from, before any step
     QStringList checked_tables;
     QStringList tables; // to fill, in the plugin's order; empty: none
+    bool link = false;  // then tell what reminders belong to, in worker_links()
     QString folder;     // the worker's own, the only place where it may write; empty: nothing is written
     QString library;
     QString os_scheme;
@@ -35,6 +36,7 @@ worker_request request_from(const QByteArray& bytes);
 // Where a worker's results lie in its folder.
 QString worker_database(const QString& folder);
 QString worker_log(const QString& folder);
+QString worker_links(const QString& folder);
 
 // One message of a worker.
 struct worker_message {
@@ -46,6 +48,7 @@ struct worker_message {
         checked,     // health: all of it
         rows,        // number: rows so far
         step_done,   // number: steps done so far
+        linked,      // what it has to tell of reminders is written
         failed,      // text: why it can do nothing
         ended,       // it did all that it was asked to, or was cancelled
     };
