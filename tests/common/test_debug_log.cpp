@@ -154,25 +154,6 @@ private Q_SLOTS:
         QVERIFY(shared::debug_file_regular_QFile.isOpen());
         QCOMPARE(shared::source_os_version_full, source.os_version_full);
     }
-
-    void cleared_records_keep_the_encryption_switch_alone() {
-        const QString x = "x"_q;
-        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_general_info general{true, true, true, true, true, x};
-        shared::clear_variables_vantor_and_artifact_common_general_info(general);
-        QVERIFY(!general.general_flag_1 && !general.debug_mode_status && !general.debug_print_on_terminal);
-        QVERIFY(!general.debug_print_in_file && general.debug_file_path.isEmpty());
-        QVERIFY(general.debug_encryption_status);
-        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_source_info source{x, x, x, x, x, {{x, x}}, x, x, {x}, x, x, x, x};
-        shared::clear_variables_vantor_and_artifact_common_source_info(source);
-        const auto& [a, b, c, d, e, accounts, g, h, list, j, k, l, m] = source;
-        QCOMPARE(a + b + c + d + e + g + h + j + k + l + m, QString());
-        QVERIFY(accounts.isEmpty() && list.isEmpty());
-        struct_GLOBAL_COMMON_VANTOR_AND_ARTIFACT_desktop_info desktop{x, x, true, x, x};
-        shared::clear_variables_vantor_and_artifact_common_desktop_info(desktop);
-        const auto& [text_1, text_2, flag_3, text_4, text_5] = desktop;
-        QCOMPARE(text_1 + text_2 + text_4 + text_5, QString());
-        QVERIFY(!flag_3);
-    }
 };
 
 QTEST_GUILESS_MAIN(test_debug_log)

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Media look-ups by extension, the form of the lists, and ad-hoc copies of real files.
-#include "common/media_extensions.h"
+// Media look-ups by extension, and ad-hoc copies of real files.
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "tests/support/test_support.h"
 
 #include <QDir>
-#include <QSet>
 #include <QtTest>
 
 class test_plugin_helper_functions : public QObject {
@@ -37,20 +35,6 @@ class test_plugin_helper_functions : public QObject {
     };
 
 private Q_SLOTS:
-    void every_extension_is_found_and_listed_once() {
-        plugin_helper_functions helper;
-        const auto all_found = [&](const media_extension_list& list, bool (plugin_helper_functions::*check)(QString)) {
-            QSet<QByteArray> seen;
-            for (const char* entry : list) {
-                QVERIFY2((helper.*check)(QLatin1String(entry)) && !seen.contains(entry), entry);
-                seen.insert(entry);
-            }
-        };
-        all_found(image_extensions(), &plugin_helper_functions::check_is_image_by_extn);
-        all_found(audio_extensions(), &plugin_helper_functions::check_is_audio_by_extn);
-        all_found(video_extensions(), &plugin_helper_functions::check_is_video_by_extn);
-    }
-
     void look_ups_data() {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("kinds"); // i, v, a

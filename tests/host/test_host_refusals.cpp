@@ -55,6 +55,16 @@ private Q_SLOTS:
         row("user is a path", "extract --user ../anna {S} {R}", 2, "cannot name a profile folder");
         row("domain user is a path", "extract --user anna=../bernd {S} {R}", 2, "cannot name a profile folder");
         row("user without name", "extract --user =x {S} {R}", 2, "cannot name a profile folder");
+        row("no worker", "extract --jobs 0 {S} {R}", 2, "--jobs does not take '0'");
+        row("jobs in words", "check --jobs x {S}", 2, "--jobs does not take 'x'");
+        row("no patience", "check --step-timeout 0 {S}", 2, "--step-timeout does not take '0'");
+        row("step limit below zero", "extract --step-limit -1 {S} {R}", 2, "--step-limit does not take '-1'");
+        row("no memory", "check --memory-limit 0 {S}", 2, "--memory-limit does not take '0'");
+        row("unit without a number", "extract --output-limit K {S} {R}", 2, "--output-limit does not take 'K'");
+        row("unknown progress", "check --progress lines {S}", 2, "there is no form of progress 'lines'");
+        row("log without a name", "extract --log= {S} {R}", 2, "the debug log's name is empty");
+        row("check of two folders", "check {S} {R}", 2, "check takes one folder");
+        row("verify of nothing", "verify", 2, "verify takes RESULT");
         row("log without file", "log", 2, "log takes one file");
         row("log of nothing", "log {B}/missing", 2, "cannot be opened");
         row("rows of nothing", "rows {B}/missing", 5, "cannot read the result database");

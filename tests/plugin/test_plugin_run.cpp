@@ -41,6 +41,29 @@ private Q_SLOTS:
                               "records 0"_q, "records 6"_q, "tables 2"_q, "records 6"_q, "records 6"_q}));
     }
 
+    // Another source, profile and result, one account told twice: nothing of the first run is left.
+    void second_run_of_one_object() {
+        plugin->set_up(run);
+        plugin->extract();
+        const run_settings next{folder->path() + "/second/"_q,
+                                folder->path() + "/next"_q,
+                                {"latest_audio_search"_q},
+                                {"bernd"_q, "bernd"_q}};
+        QVERIFY(write_sample_speech({next.root, "bernd"_q, 0}) && write_sample_speech({next.root, "anna"_q, 0}));
+        plugin->signals_seen.seen.clear();
+        plugin->set_up(next);
+        (*plugin)->pub_find_source_file(); // found anew by the next search
+        plugin->extract();
+        QCOMPARE(plugin->signals_seen.seen,
+                 QStringList({"records 0"_q, "records 3"_q, "tables 1"_q, "records 3"_q, "records 3"_q}));
+        const QString row = "system_user=text:bernd | domain_user=text:CORP\\bernd"_q;
+        QCOMPARE(dump_table(next.database(), "latest_audio_search"_q, {"system_user"_q, "domain_user"_q}),
+                 QStringList({row, row, row}));
+        QCOMPARE(rows().size(), 3);
+        QCOMPARE(run.log_lines().filter("second/"_q), QStringList());
+        QCOMPARE(next.log_lines().filter("source/"_q), QStringList());
+    }
+
     void selection_data() {
         QTest::addColumn<int>("engine_type");
         QTest::addColumn<QStringList>("tables");

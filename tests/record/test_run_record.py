@@ -1,10 +1,12 @@
 # SPDX-License-Identifier: MIT
 """What a run tells of itself and its evidence, and whether that is still so: run.json, check, verify, progress."""
+import contextlib
 import glob
 import hashlib
 import json
 import os
 import shutil
+import sqlite3
 import subprocess
 import tempfile
 import unittest
@@ -50,7 +52,7 @@ class run_case(unittest.TestCase):
 
     def run_host(self, words, code=0):
         """words: "{S}" and "{R}" in them are source and result."""
-        filled = [word.replace("{S}", self.source).replace("{R}", self.base + "/result") for word in words.split()]
+        filled = [word.replace("{S}", self.source).replace("{R}", self.base + "/result") for word in words.split(" ") if word]
         answer = subprocess.run([HOST, *filled], capture_output=True, timeout=120)
         self.assertEqual(answer.returncode, code, answer.stderr)
         return answer
@@ -211,7 +213,7 @@ class test_verify(run_case):
 
 class test_options(run_case):
     def test_progress_lines(self):
-        answer = self.run_host("extract --progress json --jobs 1 --tables cookies,searches {S} {R}")
+        answer = self.run_host("extract --progress json --jobs 1 --tables cookies,\tsearches {S} {R}")
         lines = [json.loads(line) for line in answer.stderr.splitlines()]
         self.assertEqual(set(lines[0]), {"event", "profile", "table", "running", "rows", "all_rows", "rows_per_second",
                                          "profiles_done", "profiles", "seconds"})
@@ -229,6 +231,9 @@ class test_options(run_case):
         answer = self.run_host("extract --json --tables cookies --user anna --user anna=C\\a --user anna=x {S} {R}")
         self.assertEqual(json.loads(answer.stdout)["profiles"], ["anna"])
         once = self.record()["rows_added"]
+        with contextlib.closing(sqlite3.connect(self.own_folder + "/Cortana.sqlite")) as database:
+            self.assertEqual(database.execute("select distinct domain_user,os_scheme_display from cookies").fetchall(),
+                             [("C\\a", "Windows")])
         self.run_host("extract --tables cookies --user anna {S} {R}")
         self.assertEqual((self.record()["rows_added"], once > 0), (once, True))
 

@@ -6,10 +6,6 @@
 
 #include <QtTest>
 
-#include <csignal>
-#include <sys/wait.h>
-#include <unistd.h>
-
 namespace {
 
 // Notes each offered value as name@timestamp of the walk.
@@ -156,23 +152,6 @@ private Q_SLOTS:
                                    slot_of<type_member>(&registry::convert_data)};
         // The destructor takes the first two.
         QCOMPARE(entries, (QVector<int>{2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}));
-    }
-
-    void base_raw_form_stops_debug_builds() {
-        const pid_t child = fork();
-        if (child == 0) {
-            // QtTest's handlers would report the abort as a failure.
-            qInstallMessageHandler(nullptr);
-            std::signal(SIGABRT, SIG_DFL);
-            _exit(registry().convert_data(nullptr, 0, 1).isEmpty() ? 0 : 1);
-        }
-        int status = -1;
-        QCOMPARE(waitpid(child, &status, 0), child);
-#ifdef QT_NO_DEBUG
-        QCOMPARE(status, 0);
-#else
-        QVERIFY(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT);
-#endif
     }
 
     void unreadable() {
