@@ -1,13 +1,16 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs what a build needs on Debian 12 or 13, and nothing that is already there.
-# Usage: packaging/setup.sh [lint] [bench]   (the extra words add the packages of the checks or of the benchmarks)
+# Usage: packaging/setup.sh [test] [lint] [bench]   (the extra words add the packages that the tests make images and
+# archives with, those of the checks, and those of the benchmarks)
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 
-packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libhivex-dev libsqlite3-dev)
+packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libhivex-dev libsqlite3-dev
+    libtsk-dev libarchive-dev libssl-dev ntfs-3g-dev)
 for extra in "$@"; do
     case "$extra" in
+        test) packages+=(7zip bzip2 dosfstools ewf-tools fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd) ;;
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
         bench) packages+=(libwin-hivex-perl libhivex-bin) ;;
         *) echo "setup: unknown word '$extra'" >&2; exit 2 ;;
