@@ -33,8 +33,8 @@ staging_result stage_profiles(source_view& view, const source_root& root, const 
                               const std::function<bool()>& cancelled);
 
 // Makes an empty file or folder for every wanted path (below the Windows root, such as Users/x/y) that is a file or
-// folder in the view, in the case that was asked for. What stands there already stays. A path that leads upwards or
-// through a link is like one that is not there.
+// folder in the view, in the case that was asked for. What stands there already stays. A path that leads upwards is
+// like one that is not there; a link on the way is not followed, and a problem.
 staging_result stage_existing(source_view& view, const source_root& root, const QVector<QByteArray>& wanted,
                               const QByteArray& staging, const staging_limit& limit,
                               const std::function<bool()>& cancelled);
