@@ -7,11 +7,14 @@ top=$(cd "$(dirname "$0")/.." && pwd)
 
 packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libhivex-dev libseccomp-dev libsqlite3-dev
     libssl-dev)
-packages+=(libarchive-dev libxlsxwriter-dev)
+packages+=(libarchive-dev libtsk-dev libxlsxwriter-dev ntfs-3g-dev)
 for extra in "$@"; do
     case "$extra" in
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
-        test) packages+=(gdal-bin python3-openpyxl sleuthkit) ;;
+        test)
+            packages+=(gdal-bin python3-openpyxl sleuthkit)
+            packages+=(7zip bzip2 dosfstools ewf-tools fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd)
+            ;;
         bench) packages+=(sqlite3 libwin-hivex-perl libhivex-bin) ;;
         *) echo "setup: unknown word '$extra'" >&2; exit 2 ;;
     esac
