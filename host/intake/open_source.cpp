@@ -7,6 +7,7 @@
 #include "source/native_names.h"
 #include "source/quiet_open.h"
 
+#include <algorithm>
 #include <sys/stat.h>
 
 namespace intake {
@@ -43,6 +44,7 @@ void find_root(opened_source& opened) {
     }
     opened.view.reset();
     if (found.roots.isEmpty()) {
+        opened.lacks_users = found.problem.isEmpty();
         opened.problem = found.problem.isEmpty() ? QStringLiteral("it holds no folder Users")
                                                  : QStringLiteral("no folder Users was found: %1").arg(found.problem);
         return;
@@ -119,8 +121,10 @@ void open_file(const QByteArray& native_path, const open_options& options, opene
     const bool is_told = options.kind.has_value();
     const bool as_archive = is_told ? options.kind == source_kind::archive : content.kind == content_kind::archive;
     if (content.kind == content_kind::empty) {
+        opened.is_no_source = true;
         opened.problem = QStringLiteral("it is empty");
     } else if (!is_told && content.kind == content_kind::not_handled) {
+        opened.is_no_source = true;
         opened.problem = QStringLiteral("it is %1, which cannot be read").arg(QLatin1String(content.not_handled));
     } else if (!is_told && content.kind == content_kind::unknown) {
         open_unmarked(native_path, options, opened);
@@ -153,6 +157,29 @@ QVector<QByteArray> source_files(const QByteArray& native_path) {
     return files;
 }
 
+namespace {
+
+source_refusal refusal_of(const opened_source& opened, const open_options& options) {
+    const auto holds_tree = [](const image_volume& volume) { return !volume.roots.isEmpty(); };
+    const auto is_in_trouble = [](const image_volume& volume) { return !volume.problem.isEmpty(); };
+    const QVector<image_volume>& volumes = opened.volumes;
+    const auto trees = std::count_if(volumes.begin(), volumes.end(), holds_tree);
+    if (opened.view) {
+        return source_refusal::none;
+    }
+    if (!opened.reasons.isEmpty() || opened.is_no_source) {
+        return source_refusal::not_a_source;
+    }
+    if (!opened.other_roots.isEmpty() || trees > 1 || (!volumes.isEmpty() && options.volume > volumes.size())) {
+        return source_refusal::choose;
+    }
+    const bool looked_through = opened.lacks_users || (!volumes.isEmpty() && options.volume == 0 && trees == 0);
+    return looked_through && std::none_of(volumes.begin(), volumes.end(), is_in_trouble) ? source_refusal::no_users
+                                                                                         : source_refusal::unreadable;
+}
+
+} // namespace
+
 opened_source open_source(const QByteArray& native_path, const open_options& options) {
     opened_source opened;
     struct stat status = {};
@@ -162,6 +189,7 @@ opened_source open_source(const QByteArray& native_path, const open_options& opt
     }
     const bool is_folder = S_ISDIR(status.st_mode);
     if (options.kind && is_folder != (*options.kind == source_kind::folder)) {
+        opened.is_no_source = true;
         opened.problem = is_folder ? QStringLiteral("it is a folder") : QStringLiteral("it is not a folder");
     } else if (is_folder) {
         open_as_folder(native_path, opened);
@@ -171,6 +199,7 @@ opened_source open_source(const QByteArray& native_path, const open_options& opt
     if (opened.view) {
         find_root(opened);
     }
+    opened.refusal = refusal_of(opened, options);
     return opened;
 }
 

@@ -18,6 +18,15 @@ struct open_options {
     archive_limit limit;
 };
 
+// Why there is no view, for a caller that has to decide what to tell of it.
+enum class source_refusal {
+    none,
+    not_a_source, // nothing that can be read as a folder, an image or an archive
+    choose,       // several Windows trees, or a number of a volume that there is not
+    no_users,     // it could be looked through, and holds no folder Users
+    unreadable    // damaged, encrypted, a part of it is missing
+};
+
 struct opened_source {
     std::unique_ptr<source_view> view; // null: see problem
     source_kind kind = source_kind::folder;
@@ -26,7 +35,10 @@ struct opened_source {
     int volume = 0;                   // of an image: the number of the one that is viewed
     QVector<image_volume> volumes;    // of an image
     health_report findings;
+    source_refusal refusal = source_refusal::none;
     QString problem;     // for a person, in one sentence; empty when view is there
+    bool is_no_source = false; // known not to be one, without any library's word
+    bool lacks_users = false;  // looked through, and there is none
     QStringList reasons; // what each library that tried said
 };
 

@@ -113,10 +113,7 @@ private:
             trouble = QStringLiteral("the copy that was read back is another one than was written");
             return;
         }
-        failed = folder.set_times(one.path, one.entry.times);
-        if (failed == 0) {
-            result.entries.append({one.source, one.path, entry_kind::file, done, expected, one.entry.times});
-        }
+        result.entries.append({one.source, one.path, entry_kind::file, done, expected, one.entry.times, {}, 0});
     }
 
     const QVector<planned_entry>& planned;
@@ -134,13 +131,12 @@ private:
 
 void make_folders(const staging_plan& plan, const staging_folder& folder, staging_result& result) {
     for (const planned_entry& one : plan.folders()) {
-        int failed = folder.make_folder(one.path);
-        failed = failed == 0 ? folder.set_times(one.path, one.entry.times) : failed;
+        const int failed = folder.make_folder(one.path);
         if (failed != 0) {
             result.stopped = QStringLiteral("%1: %2").arg(shown_path(one.path), error_words(failed));
             return;
         }
-        result.entries.append({one.source, one.path, entry_kind::folder, 0, {}, one.entry.times});
+        result.entries.append({one.source, one.path, entry_kind::folder, 0, {}, one.entry.times, {}, 0});
     }
 }
 
@@ -159,8 +155,7 @@ int make_placeholder(const staging_folder& folder, const QByteArray& path, const
         return folder.make_folder(path);
     }
     quiet_file made;
-    const int failed = folder.create_file(path, made);
-    return failed != 0 ? failed : folder.set_times(path, entry.times);
+    return folder.create_file(path, made);
 }
 
 } // namespace
@@ -213,6 +208,20 @@ staging_result stage_profiles(source_view& view, const source_root& root, const 
     return result;
 }
 
+QString set_staged_times(const QByteArray& staging, const QVector<staged_entry>& entries) {
+    const staging_folder folder(staging);
+    int failed = folder.is_open() ? 0 : errno;
+    for (const staged_entry& one : entries) {
+        if (failed == 0) {
+            failed = folder.set_times(one.path, one.times);
+        }
+        if (failed != 0) {
+            return QStringLiteral("%1: %2").arg(shown_path(one.path), error_words(failed));
+        }
+    }
+    return {};
+}
+
 staging_result stage_existing(source_view& view, const source_root& root, const QVector<QByteArray>& wanted,
                               const QByteArray& staging, const staging_limit& limit,
                               const std::function<bool()>& cancelled) {
@@ -239,7 +248,7 @@ staging_result stage_existing(source_view& view, const source_root& root, const 
         if (failed != 0 && failed != EEXIST) {
             result.findings.add_problem(shown_path(path), error_words(failed));
         } else if (failed == 0) {
-            result.entries.append({found.path, path, found.entry.kind, 0, {}, found.entry.times});
+            result.entries.append({found.path, path, found.entry.kind, 0, {}, found.entry.times, {}, 0});
         }
     }
     return result;

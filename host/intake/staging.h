@@ -13,7 +13,10 @@ struct staged_entry {
     entry_kind kind = entry_kind::file;
     qint64 size = 0;   // bytes of a file; 0 for a placeholder
     QByteArray sha256; // 32 bytes, of a file; null for a folder and a placeholder
-    ntfs_times times;  // as the source tells them; the copy has the modification and access times
+    ntfs_times times;  // as the source tells them; see set_staged_times()
+    // Of a registry hive whose copy had its transaction logs applied (see staged_hives.h).
+    QByteArray sha256_with_logs; // 32 bytes; null: the copy is as the source
+    int log_entries = 0;
 };
 
 struct staging_result {
@@ -31,6 +34,11 @@ QVector<QByteArray> list_profiles(source_view& view, const source_root& root, he
 staging_result stage_profiles(source_view& view, const source_root& root, const QVector<QByteArray>& profiles,
                               const QByteArray& staging, const staging_limit& limit,
                               const std::function<bool()>& cancelled);
+
+// Gives the copies their modification and access times, or 1970-01-01 where the source does not tell one: the time of
+// copying must not look like one of the evidence. A process of its own does it: the one that stages may set no times.
+// Returns why it could not; empty: all have them.
+QString set_staged_times(const QByteArray& staging, const QVector<staged_entry>& entries);
 
 // Makes an empty file or folder for every wanted path (below the Windows root, such as Users/x/y) that is a file or
 // folder in the view, in the case that was asked for. What stands there already stays. A path that leads upwards is

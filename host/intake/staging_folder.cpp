@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is made in a folder leaves that folder's own times as they were, so that they can be set in any order.
+// Every folder on a path is opened by its handle and its own name.
 #include "host/intake/staging_folder.h"
 
 #include "host/intake/names.h"
@@ -16,33 +16,13 @@ QByteArray last_name(const QByteArray& path) {
     return path.mid(path.lastIndexOf('/') + 1);
 }
 
-// Puts a folder's times back at the end of a change to it.
-class kept_times {
-public:
-    explicit kept_times(int opened_folder) : folder(opened_folder), known(::fstat(folder, &status) == 0) {}
-    ~kept_times() {
-        const timespec times[] = {status.st_atim, status.st_mtim};
-        if (known) {
-            ::futimens(folder, times);
-        }
-    }
-    kept_times(const kept_times&) = delete;
-    kept_times& operator=(const kept_times&) = delete;
-
-private:
-    int folder;
-    struct stat status = {};
-    bool known;
-};
-
 int make_one(int folder, const QByteArray& name) {
     constexpr mode_t only_owner = 0700;
-    const kept_times kept(folder);
     return ::mkdirat(folder, name.constData(), only_owner) == 0 || errno == EEXIST ? 0 : errno;
 }
 
 timespec time_to_set(const std::optional<qint64>& ticks) {
-    return ticks ? timespec_of(*ticks) : timespec{0, UTIME_OMIT};
+    return ticks ? timespec_of(*ticks) : timespec{0, 0};
 }
 
 } // namespace
@@ -82,7 +62,6 @@ int staging_folder::create_file(const QByteArray& path, quiet_file& created) con
         return errno;
     }
     constexpr mode_t only_owner = 0600;
-    const kept_times kept(parent.descriptor());
     created = quiet_file(::openat(parent.descriptor(), last_name(path).constData(),
                                   O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, only_owner));
     return created.is_open() ? 0 : errno;
@@ -102,15 +81,15 @@ int staging_folder::remove_file(const QByteArray& path) const {
     if (!parent.is_open()) {
         return errno;
     }
-    const kept_times kept(parent.descriptor());
     return ::unlinkat(parent.descriptor(), last_name(path).constData(), 0) == 0 ? 0 : errno;
 }
 
 int staging_folder::set_times(const QByteArray& path, const ntfs_times& times) const {
-    quiet_file opened;
-    const int failed = open_file(path, opened);
+    const quiet_file parent = parent_of(path, false);
     const timespec both[] = {time_to_set(times.accessed), time_to_set(times.modified)};
-    return failed != 0 ? failed : ::futimens(opened.descriptor(), both) == 0 ? 0 : errno;
+    const bool done = parent.is_open() && ::utimensat(parent.descriptor(), last_name(path).constData(), both,
+                                                      AT_SYMLINK_NOFOLLOW) == 0;
+    return done ? 0 : errno;
 }
 
 int write_all(const quiet_file& file, const char* bytes, qint64 count) {

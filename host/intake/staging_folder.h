@@ -19,7 +19,7 @@ public:
     // A file that is there, for reading.
     int open_file(const QByteArray& path, quiet_file& opened) const;
     int remove_file(const QByteArray& path) const;
-    // Modification and access time of a file or folder, as far as they are told.
+    // Modification and access time of a file or folder; 1970-01-01 where one is not told.
     int set_times(const QByteArray& path, const ntfs_times& times) const;
 
 private:

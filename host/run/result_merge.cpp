@@ -100,6 +100,33 @@ bool take_table(QSqlDatabase& database, const QString& schema, const QString& ta
                error);
 }
 
+// In the worker's own table, before its rows are taken.
+bool put_creation_times(QSqlDatabase& database, const QString& schema, const creation_times& created,
+                        QSqlError& error) {
+    const QString table = schema + QStringLiteral(".latest_audio_search");
+    if (!run_statement(database, QStringLiteral("update %1 set creation_time=0").arg(table), error)) {
+        return false;
+    }
+    QSqlQuery rows(database);
+    bool done = rows.exec(QStringLiteral("select INT,file_path from ") + table);
+    QVector<std::pair<qint64, qint64>> times; // key of the row, time
+    while (done && rows.next()) {
+        const auto known = created.constFind(rows.value(1).toString());
+        if (known != created.constEnd()) {
+            times.append({rows.value(0).toLongLong(), *known});
+        }
+    }
+    QSqlQuery update(database);
+    done = done && update.prepare(QStringLiteral("update %1 set creation_time=? where INT=?").arg(table));
+    for (const auto& [row, time] : qAsConst(times)) {
+        update.bindValue(0, time);
+        update.bindValue(1, row);
+        done = done && update.exec();
+    }
+    error = update.lastError().isValid() ? update.lastError() : rows.lastError();
+    return done;
+}
+
 void add_counts(const added_rows& more, added_rows& counts, qint64& total) {
     for (auto table = more.begin(); table != more.end(); ++table) {
         for (auto user = table->begin(); user != table->end(); ++user) {
@@ -120,6 +147,7 @@ struct transfer {
     const QStringList& workers;
     const QStringList& tables;
     bool clear;
+    const std::optional<creation_times>& created;
     added_rows taken;
     int current_worker = -1; // whose rows are being taken
 
@@ -130,6 +158,9 @@ struct transfer {
             }
         }
         for (current_worker = 0; current_worker < workers.size(); ++current_worker) {
+            if (created && !put_creation_times(database, schema_name(current_worker), *created, error)) {
+                return false;
+            }
             for (const QString& table : tables) {
                 if (!take_table(database, schema_name(current_worker), table, taken, error)) {
                     return false;
@@ -155,10 +186,10 @@ bool make_result_database(const QString& file, QString& error) {
 }
 
 merge_outcome merge_workers(const QString& file, const QStringList& workers, const QStringList& tables, bool clear,
-                            added_rows& counts) {
+                            added_rows& counts, const std::optional<creation_times>& created) {
     merge_outcome outcome;
     QSqlError error;
-    transfer rows{workers, tables, clear, {}, -1};
+    transfer rows{workers, tables, clear, created, {}, -1};
     outcome.done = with_database(file, error, [&](QSqlDatabase& database) {
         if (!attach(database, workers, error) || !database.transaction()) {
             return false;

@@ -15,7 +15,9 @@ public:
     // Takes the lock of the folder (which exists), or says why not: another run holds it, or it cannot be made. The
     // kernel holds it for the living process, so a run that died leaves none behind; the empty file stays.
     bool take(const QString& folder, QString& reason);
+    bool is_taken() const { return holds; }
 
 private:
     int handle = -1;
+    bool holds = false;
 };
