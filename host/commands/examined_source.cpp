@@ -31,8 +31,9 @@ QByteArray find_source(const QString& source, int& code) {
         return {};
     }
     if (!S_ISDIR(status.st_mode) && !S_ISREG(status.st_mode)) {
-        code = refuse(exit_usage,
-                      QStringLiteral("the source %1 is not a folder, an image or an archive that can be read").arg(source));
+        code = refuse(
+            exit_usage,
+            QStringLiteral("the source %1 is not a folder, an image or an archive that can be read").arg(source));
         return {};
     }
     return real;

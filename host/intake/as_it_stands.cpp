@@ -79,8 +79,7 @@ standing standing_of(source_view& view, const source_root& root, const QVector<Q
     }
     for (const QByteArray& profile : profiles) {
         const QByteArray folder = "Users/" + profile;
-        bool elsewhere = stands_elsewhere(finder, {}, folder) ||
-                         stands_elsewhere(finder, folder, packages_folder()) ||
+        bool elsewhere = stands_elsewhere(finder, {}, folder) || stands_elsewhere(finder, folder, packages_folder()) ||
                          has_package_elsewhere(finder, joined(folder, packages_folder()));
         for (const evidence_place& place : places::in_profile) {
             elsewhere = elsewhere || stands_elsewhere(finder, folder, bare(place.below));

@@ -36,10 +36,10 @@ struct opened_source {
     QVector<image_volume> volumes;    // of an image
     health_report findings;
     source_refusal refusal = source_refusal::none;
-    QString problem;     // for a person, in one sentence; empty when view is there
+    QString problem;           // for a person, in one sentence; empty when view is there
     bool is_no_source = false; // known not to be one, without any library's word
     bool lacks_users = false;  // looked through, and there is none
-    QStringList reasons; // what each library that tried said
+    QStringList reasons;       // what each library that tried said
 };
 
 // Every file that opening may read: the path itself, segments, extents. Reads the first and last bytes of files only.

@@ -87,8 +87,8 @@ int staging_folder::remove_file(const QByteArray& path) const {
 int staging_folder::set_times(const QByteArray& path, const ntfs_times& times) const {
     const quiet_file parent = parent_of(path, false);
     const timespec both[] = {time_to_set(times.accessed), time_to_set(times.modified)};
-    const bool done = parent.is_open() && ::utimensat(parent.descriptor(), last_name(path).constData(), both,
-                                                      AT_SYMLINK_NOFOLLOW) == 0;
+    const bool done = parent.is_open() &&
+                      ::utimensat(parent.descriptor(), last_name(path).constData(), both, AT_SYMLINK_NOFOLLOW) == 0;
     return done ? 0 : errno;
 }
 

@@ -15,7 +15,8 @@ void staging_plan::add_profile(const QByteArray& profile) {
     found_entry found;
     if (!find_folder(top.path, staged, found)) {
         if (!found.there && found.problem.isEmpty()) {
-            findings.add_problem(shown_path(joined(top.path, staged)), QStringLiteral("there is no such profile folder"));
+            findings.add_problem(shown_path(joined(top.path, staged)),
+                                 QStringLiteral("there is no such profile folder"));
         }
         return;
     }

@@ -28,7 +28,7 @@ bool make_result_database(const QString& file, QString& error);
 
 // Adds the rows of the workers' databases, in the given order and by their keys, in one transaction; keys follow the
 // highest one of each table, as if one process had written them all. tables: the ones to take rows from. clear: these
-// are emptied first, in the same transaction. Adds to counts only what was committed. created: the rows come from copies,
-// and their creation times from here, 0 where none stands here.
+// are emptied first, in the same transaction. Adds to counts only what was committed. created: the rows come from
+// copies, and their creation times from here, 0 where none stands here.
 merge_outcome merge_workers(const QString& file, const QStringList& workers, const QStringList& tables, bool clear,
                             added_rows& counts, const std::optional<creation_times>& created = {});

@@ -2,9 +2,9 @@
 // The filter comes last, since it refuses the calls that the others are made with.
 #include "host/run/sandbox.h"
 
-#include "source/native_names.h"
 #include "host/run/landlock.h"
 #include "host/run/syscall_filter.h"
+#include "source/native_names.h"
 
 #include <QStringList>
 

@@ -48,7 +48,8 @@ void take_message(const worker_message& message, staging_outcome& outcome) {
         break;
     case worker_message::refused:
     case worker_message::failed:
-        outcome.refused = message.what == worker_message::failed ? int{exit_internal} : static_cast<int>(message.number);
+        outcome.refused =
+            message.what == worker_message::failed ? int{exit_internal} : static_cast<int>(message.number);
         outcome.refused = outcome.refused == 0 ? int{exit_internal} : outcome.refused;
         outcome.reason = message.text;
         break;
@@ -96,8 +97,7 @@ bool is_plain_folder(const QByteArray& source, const extract_options& options) {
     if (found.roots.size() != 1) {
         return found.roots.isEmpty();
     }
-    const intake::standing how =
-        intake::standing_of(*opened.view, found.roots[0], profiles_of(*opened.view, options));
+    const intake::standing how = intake::standing_of(*opened.view, found.roots[0], profiles_of(*opened.view, options));
     return how == intake::standing::as_wanted || (how == intake::standing::has_logs && !options.hive_logs);
 }
 

@@ -105,8 +105,7 @@ bool is_usable_as_given(const worker_request& request, opened_source& opened, co
     }
     const standing how = standing_of(*opened.view, opened.root, profiles);
     const bool may_apply = request.staging.hive_logs && how == standing::has_logs;
-    return how != standing::needs_staging &&
-           !(may_apply && has_unfinished_hive(*opened.view, opened.root, profiles));
+    return how != standing::needs_staging && !(may_apply && has_unfinished_hive(*opened.view, opened.root, profiles));
 }
 
 void stage_opened(const worker_request& request, opened_source& opened, const message_sender& send) {

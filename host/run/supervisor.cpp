@@ -336,7 +336,8 @@ merge_outcome supervisor::merge_all_that_can_be_read(profile& one, bool clear) {
                                QStringLiteral("the worker's database is damaged: ") + outcome.damage});
         one.databases.removeAll(outcome.damaged_worker);
         one.rows_before = 0; // they are told as lost
-        outcome = merge_workers(summary.output.database, one.databases, options.tables, clear, summary.rows, summary.created);
+        outcome =
+            merge_workers(summary.output.database, one.databases, options.tables, clear, summary.rows, summary.created);
     }
     return outcome;
 }

@@ -76,8 +76,7 @@ sandbox_state confine(const worker_request& request) {
     if (request.staging.wanted) {
         allow_source_files(request, plan);
     } else {
-        plan.readable << QFile::encodeName(request.source_root)
-                      << QFile::encodeName(QFileInfo(request.library).path());
+        plan.readable << QFile::encodeName(request.source_root) << QFile::encodeName(QFileInfo(request.library).path());
     }
     if (!request.folder.isEmpty()) {
         plan.writable << QFile::encodeName(request.folder);

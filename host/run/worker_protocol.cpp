@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr const char* kind_names[] = {"unknown",  "confined", "evidence", "checked",   "staged", "as_given",
-                                      "refused",  "rows",     "step_done", "failed",   "ended"};
+constexpr const char* kind_names[] = {"unknown", "confined", "evidence",  "checked", "staged", "as_given",
+                                      "refused", "rows",     "step_done", "failed",  "ended"};
 
 QString key(const char* name) {
     return QLatin1String(name);

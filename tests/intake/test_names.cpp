@@ -171,7 +171,7 @@ private Q_SLOTS:
     }
     void spells_wanted_names() {
         QFETCH(QByteArray, name);
-        QTEST(wanted_spelling(wanted_profile_files().at(1), name), "spelled");
+        QTEST(wanted_spelling(wanted_profile_files().at(0), name), "spelled");
     }
 
     void spells_paths_in_packages() {

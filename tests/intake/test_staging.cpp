@@ -142,6 +142,7 @@ private Q_SLOTS:
                                    "/"_q + QString::fromUtf8(place)),
                      place);
         }
+        QCOMPARE(set_staged_times(staging, result.entries), QString());
         for (const staged_entry& entry : result.entries) {
             const QByteArray path = staging + '/' + entry.path;
             struct stat status = {};
