@@ -94,12 +94,36 @@ bool prepare_output(const output_location& output, run_lock& lock, int& code) {
     return false;
 }
 
+// The folders of a path that are not there yet, the last one first.
+QStringList missing_folders(const QString& folder) {
+    QStringList missing;
+    for (QString path = QDir::cleanPath(folder); !QFileInfo::exists(path); path = QFileInfo(path).path()) {
+        missing.append(path);
+    }
+    return missing;
+}
+
+// A source that is refused leaves nothing behind.
+void take_back_output(const output_location& output, const QStringList& made) {
+    remove_staged(output.staged);
+    if (made.contains(QDir::cleanPath(output.folder))) {
+        run_lock::remove(output.folder);
+    }
+    for (const QString& folder : made) {
+        QDir().rmdir(folder);
+    }
+}
+
 // Profiles and the root that they are read from. An empty list: the exit code is set and the reason said.
 QList<system_account> open_profiles(const extract_options& options, const QByteArray& source, run_summary& summary,
                                     run_lock& lock, examined_source& examined, int& code) {
     const bool needs_folder = !is_plain_folder(source, options);
-    if ((needs_folder && !prepare_output(summary.output, lock, code)) ||
-        !open_examined(options, source, summary.output.staged, examined, code)) {
+    const QStringList made = missing_folders(summary.output.folder);
+    if (needs_folder && !prepare_output(summary.output, lock, code)) {
+        return {};
+    }
+    if (!open_examined(options, source, summary.output.staged, examined, code)) {
+        take_back_output(summary.output, made);
         return {};
     }
     const QList<system_account> accounts = choose_profiles(options, examined.root, summary.health, code);

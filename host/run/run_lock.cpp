@@ -27,3 +27,7 @@ bool run_lock::take(const QString& folder, QString& reason) {
     reason = errno == EWOULDBLOCK ? QStringLiteral("another run writes into it") : error_words(errno);
     return false;
 }
+
+void run_lock::remove(const QString& folder) {
+    QFile::remove(folder + QStringLiteral(".cortana.lock"));
+}
