@@ -6,11 +6,14 @@ set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 
 packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libarchive-dev libbfio-dev libhivex-dev
-    libmimalloc-dev libseccomp-dev libsqlite3-dev libssl-dev libxlsxwriter-dev)
+    libmimalloc-dev libseccomp-dev libsqlite3-dev libssl-dev libtsk-dev libxlsxwriter-dev ntfs-3g-dev)
 for extra in "$@"; do
     case "$extra" in
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
-        test) packages+=(gdal-bin python3-jsonschema python3-openpyxl sleuthkit) ;;
+        test)
+            packages+=(gdal-bin python3-jsonschema python3-openpyxl sleuthkit)
+            packages+=(7zip bzip2 dosfstools ewf-tools fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd)
+            ;;
         bench) packages+=(sqlite3 libwin-hivex-perl libhivex-bin) ;;
         *) echo "setup: unknown word '$extra'" >&2; exit 2 ;;
     esac

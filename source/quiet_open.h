@@ -11,31 +11,43 @@
 #include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
-// As open(2) with flags; -1 and errno when it fails. The caller closes the descriptor.
-inline int open_quietly(const QByteArray& native_path, int flags) {
-    const int handle = ::open(native_path.constData(), flags | O_NOATIME);
+// As openat(2) with flags; -1 and errno when it fails. The caller closes the descriptor.
+inline int open_quietly_at(int folder, const QByteArray& native_path, int flags) {
+    const int handle = ::openat(folder, native_path.constData(), flags | O_NOATIME);
     if (handle < 0 && errno == EPERM) { // only a file's owner may leave its access time alone
-        return ::open(native_path.constData(), flags);
+        return ::openat(folder, native_path.constData(), flags);
     }
     return handle;
+}
+// The same as open(2).
+inline int open_quietly(const QByteArray& native_path, int flags) {
+    return open_quietly_at(AT_FDCWD, native_path, flags);
 }
 
 // A file opened so. Check is_open() first; errno tells why not.
 class quiet_file {
 public:
+    quiet_file() = default;                                     // one that is not open
+    explicit quiet_file(int descriptor) : handle(descriptor) {} // becomes this object's
     quiet_file(const QByteArray& native_path, int flags) : handle(open_quietly(native_path, flags)) {}
+    quiet_file(int folder, const QByteArray& name, int flags) : handle(open_quietly_at(folder, name, flags)) {}
     ~quiet_file() {
         if (handle >= 0) {
             ::close(handle);
         }
     }
+    quiet_file(quiet_file&& other) noexcept : handle(std::exchange(other.handle, -1)) {}
+    quiet_file& operator=(quiet_file&& other) noexcept {
+        std::swap(handle, other.handle);
+        return *this;
+    }
     quiet_file(const quiet_file&) = delete;
     quiet_file& operator=(const quiet_file&) = delete;
 
     bool is_open() const { return handle >= 0; }
-    // Owned by this object; -1 when it is not open.
-    int descriptor() const { return handle; }
+    int descriptor() const { return handle; } // stays this object's; -1 when not open
     // Bytes of a regular file; -1 for anything else.
     qint64 size() const {
         struct stat status = {};
@@ -56,7 +68,7 @@ public:
     }
 
 private:
-    int handle;
+    int handle = -1;
 };
 
 struct close_folder {
@@ -64,15 +76,17 @@ struct close_folder {
 };
 using folder_handle = std::unique_ptr<DIR, close_folder>;
 
-// As opendir(3); null and errno when it fails.
-inline folder_handle open_folder_quietly(const QByteArray& native_path) {
-    const int descriptor = open_quietly(native_path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return nullptr;
-    }
-    folder_handle folder(::fdopendir(descriptor));
-    if (!folder) {
+// The folder of a descriptor that open_quietly() or open_quietly_at() gave, -1 included, and that becomes the folder's;
+// null and errno when that is none.
+inline folder_handle adopt_folder(int descriptor) {
+    folder_handle folder(descriptor >= 0 ? ::fdopendir(descriptor) : nullptr);
+    if (!folder && descriptor >= 0) {
         ::close(descriptor);
     }
     return folder;
+}
+
+// As opendir(3); null and errno when it fails.
+inline folder_handle open_folder_quietly(const QByteArray& native_path) {
+    return adopt_folder(open_quietly(native_path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }

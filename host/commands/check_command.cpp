@@ -7,10 +7,13 @@
 #include "host/exit_codes.h"
 #include "host/record/evidence_json.h"
 #include "host/run/cancellation.h"
+#include "host/run/staged_names.h"
 #include "host/run/supervisor.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -69,7 +72,13 @@ int run_check_command(const extract_options& options) {
         return code;
     }
     run_summary summary;
-    const QList<system_account> accounts = choose_profiles(options, source, summary.health, code);
+    const QTemporaryDir folder(QDir::tempPath() + QStringLiteral("/cortana-check-XXXXXX"));
+    const QString staging = folder.path() + QStringLiteral("/staged/");
+    examined_source examined;
+    if (!open_examined(options, source, staging, examined, code)) {
+        return code;
+    }
+    const QList<system_account> accounts = choose_profiles(options, examined.root, summary.health, code);
     if (accounts.isEmpty()) {
         return code;
     }
@@ -78,10 +87,13 @@ int run_check_command(const extract_options& options) {
         summary.profiles.append(account.system_user);
         groups.append(QList<system_account>{account});
     }
-    summary.source = root_with_slash(source);
+    summary.source = examined.is_staged ? examined.given : root_with_slash(source);
     summary.tables = options.tables;
-    supervisor workers(options, summary.source, QString(), groups, summary);
+    supervisor workers(options, root_with_slash(examined.root), QString(), groups, summary);
     workers.run();
+    if (examined.is_staged) {
+        tell_as_in_source(summary, examined.staging, examined.given, root_with_slash(examined.root));
+    }
     summary.signal = cancel_signal();
     if (!summary.fault.isEmpty()) {
         return refuse(exit_internal, summary.fault);

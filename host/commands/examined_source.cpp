@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Only folders are looked at here, no file is opened.
+// Only folders are looked at here, no file is opened: workers do that.
 #include "host/commands/examined_source.h"
 
 #include "host/console.h"
@@ -30,11 +30,40 @@ QByteArray find_source(const QString& source, int& code) {
                       QStringLiteral("could not read: %1: %2").arg(source, error_words(error)));
         return {};
     }
-    if (!S_ISDIR(status.st_mode)) {
-        code = refuse(exit_usage, QStringLiteral("the source %1 is not a folder").arg(source));
+    if (!S_ISDIR(status.st_mode) && !S_ISREG(status.st_mode)) {
+        code = refuse(
+            exit_usage,
+            QStringLiteral("the source %1 is not a folder, an image or an archive that can be read").arg(source));
         return {};
     }
     return real;
+}
+
+bool open_examined(const extract_options& options, const QByteArray& source, const QString& staging,
+                   examined_source& examined, int& code) {
+    examined.given = QFile::decodeName(source);
+    examined.root = source;
+    if (is_plain_folder(source, options)) {
+        return true;
+    }
+    examined.has_copies = true;
+    examined.staging = stage_source(source, staging, options);
+    const staging_outcome& staged = examined.staging;
+    if (is_cancelled() && staged.refused == exit_failures) {
+        code = refuse(128 + cancel_signal(), QStringLiteral("cancelled"));
+        return false;
+    }
+    if (staged.refused != 0) {
+        code = refuse(staged.refused, staged.refused == exit_failures
+                                          ? QStringLiteral("could not read: %1: %2").arg(options.source, staged.reason)
+                                          : QStringLiteral("the source %1: %2").arg(options.source, staged.reason));
+        return false;
+    }
+    examined.is_staged = !staged.as_given;
+    if (examined.is_staged) {
+        examined.root = real_location(QFile::encodeName(staging));
+    }
+    return true;
 }
 
 QString root_with_slash(const QByteArray& source) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/run/extract_options.h"
+#include "host/run/staging_run.h"
 #include "host/run/summary.h"
 
 #include <QByteArray>
@@ -14,6 +15,17 @@ int refuse(int code, const QString& message);
 
 // The source's real location; on refusal empty, with the exit code set and the reason said.
 QByteArray find_source(const QString& source, int& code);
+// What the plugin and the checks read: the source itself, or a staged copy of its wanted parts.
+struct examined_source {
+    QString given;   // real location of the source
+    QByteArray root; // real location of the folder to read
+    bool is_staged = false;
+    bool has_copies = false; // some may lie in the staging folder, whatever came of it
+    staging_outcome staging;
+};
+// staging: folder to copy to where need be, ending in "/". False: the exit code is set and the reason said.
+bool open_examined(const extract_options& options, const QByteArray& source, const QString& staging,
+                   examined_source& examined, int& code);
 // As the plugin takes it: text, ending in "/".
 QString root_with_slash(const QByteArray& source);
 

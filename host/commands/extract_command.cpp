@@ -9,6 +9,7 @@
 #include "host/run/plugin_library.h"
 #include "host/run/run_lock.h"
 #include "host/run/run_record.h"
+#include "host/run/staged_names.h"
 #include "host/run/supervisor.h"
 #include "source/native_names.h"
 
@@ -63,6 +64,95 @@ int report(const run_summary& summary, const extract_options& options) {
     return printed ? code : refuse(exit_output, QStringLiteral("standard output cannot be written"));
 }
 
+// Removes what was staged at the end of a run.
+class staged_copies {
+public:
+    staged_copies(const examined_source& source, const QString& staging, bool are_kept)
+        : examined(source), folder(staging), keep(are_kept) {}
+    ~staged_copies() {
+        if (examined.has_copies && !keep) {
+            remove_staged(folder);
+        }
+    }
+    staged_copies(const staged_copies&) = delete;
+    staged_copies& operator=(const staged_copies&) = delete;
+
+private:
+    const examined_source& examined;
+    const QString& folder;
+    bool keep;
+};
+
+// Folder and lock of the result. False: the exit code is set and the reason said.
+bool prepare_output(const output_location& output, run_lock& lock, int& code) {
+    QString reason;
+    if (lock.is_taken() || (QDir().mkpath(output.folder) && lock.take(output.folder, reason))) {
+        return true;
+    }
+    code = refuse(exit_output, QStringLiteral("the result folder %1 cannot be used: %2")
+                                   .arg(output.folder, reason.isEmpty() ? error_words(errno) : reason));
+    return false;
+}
+
+// The folders of a path that are not there yet, the last one first.
+QStringList missing_folders(const QString& folder) {
+    QStringList missing;
+    for (QString path = QDir::cleanPath(folder); !QFileInfo::exists(path); path = QFileInfo(path).path()) {
+        missing.append(path);
+    }
+    return missing;
+}
+
+// A source that is refused leaves nothing behind.
+void take_back_output(const output_location& output, const QStringList& made) {
+    remove_staged(output.staged);
+    if (made.contains(QDir::cleanPath(output.folder))) {
+        run_lock::remove(output.folder);
+    }
+    for (const QString& folder : made) {
+        QDir().rmdir(folder);
+    }
+}
+
+// Profiles and the root that they are read from. An empty list: the exit code is set and the reason said.
+QList<system_account> open_profiles(const extract_options& options, const QByteArray& source, run_summary& summary,
+                                    run_lock& lock, examined_source& examined, int& code) {
+    const bool needs_folder = !is_plain_folder(source, options);
+    const QStringList made = missing_folders(summary.output.folder);
+    if (needs_folder && !prepare_output(summary.output, lock, code)) {
+        return {};
+    }
+    if (!open_examined(options, source, summary.output.staged, examined, code)) {
+        take_back_output(summary.output, made);
+        return {};
+    }
+    const QList<system_account> accounts = choose_profiles(options, examined.root, summary.health, code);
+    if (accounts.isEmpty() || !prepare_output(summary.output, lock, code)) {
+        return {};
+    }
+    return accounts;
+}
+
+void extract_into(run_summary& summary, const extract_options& options, const examined_source& examined,
+                  const QString& library, const QList<system_account>& accounts) {
+    QString reason;
+    const QString root = root_with_slash(examined.root);
+    if (examined.is_staged) {
+        summary.created = creation_times_of(examined.staging.files);
+    }
+    if (make_result_database(summary.output.database, reason)) {
+        supervisor workers(options, root, library, group(accounts, options.all_profiles), summary);
+        workers.run();
+    } else {
+        summary.not_examined = summary.profiles;
+        summary.add_trouble(
+            QStringLiteral("the result database %1 cannot be used: %2").arg(summary.output.database, reason));
+    }
+    if (examined.is_staged) {
+        tell_as_in_source(summary, examined.staging, examined.given, root);
+    }
+}
+
 } // namespace
 
 int run_extract_command(const extract_options& options) {
@@ -79,39 +169,30 @@ int run_extract_command(const extract_options& options) {
     if (summary.output.refused != 0) {
         return refuse(summary.output.refused, summary.output.reason);
     }
-    const QList<system_account> accounts = choose_profiles(options, source, summary.health, code);
-    if (accounts.isEmpty()) {
-        return code;
-    }
     const QString library = plugin_library_file(options.library);
     if (!QFileInfo(library).isFile()) {
         return refuse(exit_internal, QStringLiteral("the plugin cannot be loaded: there is no file %1").arg(library));
     }
     run_lock lock;
-    QString reason;
-    if (!QDir().mkpath(summary.output.folder) || !lock.take(summary.output.folder, reason)) {
-        return refuse(exit_output, QStringLiteral("the result folder %1 cannot be used: %2")
-                                       .arg(summary.output.folder, reason.isEmpty() ? error_words(errno) : reason));
+    examined_source examined;
+    const staged_copies copies(examined, summary.output.staged, options.keep_staged);
+    const QList<system_account> accounts = open_profiles(options, source, summary, lock, examined, code);
+    if (accounts.isEmpty()) {
+        return code;
     }
     for (const system_account& account : accounts) {
         summary.profiles.append(account.system_user);
     }
-    summary.source = root_with_slash(source);
+    summary.source = examined.is_staged ? examined.given : root_with_slash(source);
     summary.all_profiles = options.all_profiles;
     summary.tables = options.tables;
-    if (make_result_database(summary.output.database, reason)) {
-        supervisor workers(options, summary.source, library, group(accounts, options.all_profiles), summary);
-        workers.run();
-    } else {
-        summary.not_examined = summary.profiles;
-        summary.add_trouble(
-            QStringLiteral("the result database %1 cannot be used: %2").arg(summary.output.database, reason));
-    }
+    extract_into(summary, options, examined, library, accounts);
     summary.signal = cancel_signal();
     summary.milliseconds = elapsed.elapsed();
     if (!summary.fault.isEmpty()) {
         return refuse(exit_internal, summary.fault);
     }
+    QString reason;
     if (!write_run_record(summary, {options.words, started, QDateTime::currentDateTimeUtc(), options.sandbox},
                           reason)) {
         summary.add_trouble(reason);

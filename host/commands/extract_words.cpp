@@ -39,6 +39,10 @@ void add_work_options(QCommandLineParser& parser) {
     const option_adder add(parser);
     add("user", "Examines this profile folder only; may be given several times. DOMAIN_USER goes into the rows.",
         "NAME[=DOMAIN_USER]");
+    add("type", "Reads SOURCE as folder, image or archive (default: told by its content).", "KIND");
+    add("volume", "Takes this volume of an image (default: the one that holds Users).", "N");
+    add("archive-limit", "Unpacks no more than this of an archive (default 64G).", "SIZE");
+    add("no-hive-logs", "Leaves the transaction logs of unfinished registry hives aside.");
     add("tables", "Only these result tables and what they come from, separated by commas.", "NAMES");
     add("jobs", "Worker processes at once, one a profile (default: the machine's cores).", "N");
     add("step-timeout", "Ends a step that makes no progress for so many seconds (default 600).", "SECONDS");
@@ -53,14 +57,15 @@ void add_work_options(QCommandLineParser& parser) {
 void describe_extract(QCommandLineParser& parser) {
     const option_adder add(parser);
     parser.setApplicationDescription(QStringLiteral("Extracts the Cortana data of a Windows source.\n"
-                                                    "SOURCE is the folder that stands for C:/ and holds Users/; "
+                                                    "SOURCE holds Users/: a folder, a disk image or an archive; "
                                                     "RESULT is created if missing."));
     parser.addPositionalArgument(QStringLiteral("extract"), QStringLiteral("The command."));
-    parser.addPositionalArgument(QStringLiteral("SOURCE"), QStringLiteral("Folder to examine; never written to."));
+    parser.addPositionalArgument(QStringLiteral("SOURCE"), QStringLiteral("What to examine; never written to."));
     parser.addPositionalArgument(QStringLiteral("RESULT"), QStringLiteral("Folder to write below."));
     add_common_options(parser);
     add_work_options(parser);
     add("all-profiles", "Makes one run with all profiles instead of one run for each.");
+    add("keep-staged", "Keeps the copies that were made of the source's wanted parts.");
     add("clear", "Empties the selected tables first.");
     add("output-limit", "Ends a worker whose database grows larger (default 4G).", "SIZE");
     add("source-number", "Number of the source, written into every row as SourceN (default 1).", "N");
@@ -142,6 +147,8 @@ QString read_limits(const QCommandLineParser& parser, extract_options& options) 
         {"step-timeout", read_count(parser, "step-timeout", options.limits.silence_seconds)},
         {"step-limit", read_count(parser, "step-limit", options.limits.step_seconds)},
         {"memory-limit", read_size(parser, "memory-limit", options.limits.memory)},
+        {"volume", read_count(parser, "volume", options.volume)},
+        {"archive-limit", read_size(parser, "archive-limit", options.archive_limit)},
     };
     for (const auto& [name, is_possible] : readings) {
         if (!is_possible) {
@@ -161,6 +168,12 @@ QString read_work_values(const QCommandLineParser& parser, extract_options& opti
     const QString tables = QStringLiteral("tables");
     options.tables = parser.isSet(tables) ? QStringList() : result_table_names();
     const QString refused = parser.isSet(tables) ? read_tables(parser.value(tables), options.tables) : QString();
+    const QStringList types{QString(), QStringLiteral("folder"), QStringLiteral("image"), QStringLiteral("archive")};
+    options.source_type = parser.value(QStringLiteral("type"));
+    if (!types.contains(options.source_type)) {
+        return QStringLiteral("there is no type of source '%1': folder, image or archive").arg(options.source_type);
+    }
+    options.hive_logs = !parser.isSet(QStringLiteral("no-hive-logs"));
     options.sandbox = !parser.isSet(QStringLiteral("no-sandbox"));
     options.json = parser.isSet(QStringLiteral("json"));
     options.quiet = parser.isSet(QStringLiteral("quiet"));
@@ -191,6 +204,7 @@ QString read_extract_values(const QCommandLineParser& parser, extract_options& o
     options.os_scheme = has("os-scheme") ? value("os-scheme") : QStringLiteral("Windows");
     options.log_file = value("log");
     options.library = value("library");
+    options.keep_staged = has("keep-staged");
     options.clear = has("clear");
     options.all_profiles = has("all-profiles");
     options.encipher_log = has("encipher-log");
@@ -203,7 +217,7 @@ command_line read_extract(const QStringList& arguments) {
     QCommandLineParser parser;
     describe_extract(parser);
     if (const auto settled =
-            settle_words(parser, arguments, 2, "extract takes two folders, SOURCE and RESULT", extract_examples)) {
+            settle_words(parser, arguments, 2, "extract takes two paths, SOURCE and RESULT", extract_examples)) {
         return *settled;
     }
     command_line line;
@@ -221,10 +235,10 @@ command_line read_check(const QStringList& arguments) {
         "Tells of each file that rows come from where it lies, its size, digest and times, and in which\n"
         "state it is. Nothing is written."));
     parser.addPositionalArgument(QStringLiteral("check"), QStringLiteral("The command."));
-    parser.addPositionalArgument(QStringLiteral("SOURCE"), QStringLiteral("Folder to look over; never written to."));
+    parser.addPositionalArgument(QStringLiteral("SOURCE"), QStringLiteral("What to look over; never written to."));
     add_common_options(parser);
     add_work_options(parser);
-    if (const auto settled = settle_words(parser, arguments, 1, "check takes one folder, SOURCE")) {
+    if (const auto settled = settle_words(parser, arguments, 1, "check takes one path, SOURCE")) {
         return *settled;
     }
     command_line line;

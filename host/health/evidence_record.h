@@ -20,6 +20,9 @@ struct evidence_record {
     QString accessed;
     QString changed;
     QString created;
+    // Of a hive whose transaction logs were applied to a copy, from which the rows come.
+    QByteArray sha256_with_logs; // of that copy, hexadecimal; empty: none were applied
+    qint64 log_entries = 0;      // applied
     file_health health; // of databases and hives
 };
 

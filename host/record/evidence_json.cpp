@@ -145,6 +145,10 @@ QJsonObject to_json(const evidence_record& record) {
         {key("problems"), QJsonArray::fromStringList(record.health.problems)},
         {key("notes"), QJsonArray::fromStringList(record.health.notes)},
     };
+    if (!record.sha256_with_logs.isEmpty()) {
+        object.insert(key("sha256_with_logs"), QString::fromLatin1(record.sha256_with_logs));
+        object.insert(key("log_entries"), record.log_entries);
+    }
     if (record.health.ese) {
         object.insert(key("ese"), to_json(*record.health.ese));
     }
@@ -164,6 +168,8 @@ evidence_record evidence_from(const QJsonObject& object) {
     record.accessed = text_from(object, "accessed");
     record.changed = text_from(object, "changed");
     record.created = text_from(object, "created");
+    record.sha256_with_logs = text_from(object, "sha256_with_logs").toLatin1();
+    record.log_entries = count_from(object, "log_entries");
     record.health.problem = text_from(object, "problem");
     record.health.problems = texts_from(object, "problems");
     record.health.notes = texts_from(object, "notes");

@@ -16,6 +16,11 @@ struct extract_options {
     QString result;
     QList<system_account> users; // no profile twice; empty: every profile folder of the source
     QStringList tables;          // selected tables, in the plugin's order; never empty
+    QString source_type;         // "folder", "image", "archive"; empty: told by content
+    int volume = 0;              // of an image; 0: the one with a Windows tree
+    qint64 archive_limit = 0;    // bytes to unpack; 0: the usual limits
+    bool hive_logs = true;
+    bool keep_staged = false;
     int source_number = 1;
     QString os_scheme;
     bool clear = false;

@@ -122,7 +122,8 @@ landlock_outcome ask_the_kernel() {
 
 } // namespace
 
-landlock_outcome apply_landlock(const QVector<QByteArray>& readable, const QVector<QByteArray>& writable) {
+landlock_outcome apply_landlock(const QVector<QByteArray>& readable, const QVector<QByteArray>& writable,
+                                const QVector<QByteArray>& listable) {
     landlock_outcome outcome = ask_the_kernel();
     if (outcome.abi == 0) {
         return outcome;
@@ -130,6 +131,9 @@ landlock_outcome apply_landlock(const QVector<QByteArray>& readable, const QVect
     ruleset rules(everything_handled(outcome.abi));
     for (const QByteArray& path : readable) {
         rules.allow(path, reading, true);
+    }
+    for (const QByteArray& path : listable) {
+        rules.allow(path, LANDLOCK_ACCESS_FS_READ_DIR, true);
     }
     for (const QByteArray& path : writable) {
         rules.allow(path, writing, false);

@@ -11,4 +11,5 @@ struct landlock_outcome {
 };
 
 // Restricts the calling thread and those it starts later. Needs no_new_privs.
-landlock_outcome apply_landlock(const QVector<QByteArray>& readable, const QVector<QByteArray>& writable);
+landlock_outcome apply_landlock(const QVector<QByteArray>& readable, const QVector<QByteArray>& writable,
+                                const QVector<QByteArray>& listable = {});

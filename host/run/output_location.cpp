@@ -111,9 +111,10 @@ output_location settle_output(const QString& result, const QString& log, const Q
     const QString below = result_layout::plugin_folder(output.result, artifact_name);
     output.folder = below;
     output.workers = below + QStringLiteral(".workers/");
+    output.staged = below + QStringLiteral("staged/");
     output.database = result_layout::database_file(below, artifact_name);
 
-    const future_path folders[] = {locate(below), locate(output.workers)};
+    const future_path folders[] = {locate(below), locate(output.workers), locate(output.staged)};
     const future_path files[] = {
         locate(output.log), locate(output.database), locate(output.database + QStringLiteral("-journal")),
         locate(links_file(output.database)), locate(links_file(output.database) + QStringLiteral("-journal"))};

@@ -12,6 +12,7 @@ struct output_location {
     QString log;      // the debug log
     QString folder;   // the plugin's own, ending in "/"; the result database lies in it
     QString workers;  // the folder, ending in "/", that worker processes write below; ours alone
+    QString staged;   // the folder, ending in "/", that a source's wanted parts are copied into; ours alone
     int refused = 0;  // exit_usage or exit_output when nothing may be written
     QString reason;   // why, for the user
 };

@@ -104,6 +104,33 @@ bool take_table(QSqlDatabase& database, const QString& schema, const QString& ta
                error);
 }
 
+// In the worker's own table, before its rows are taken.
+bool put_creation_times(QSqlDatabase& database, const QString& schema, const creation_times& created,
+                        QSqlError& error) {
+    const QString table = schema + QStringLiteral(".latest_audio_search");
+    if (!run_statement(database, QStringLiteral("update %1 set creation_time=0").arg(table), error)) {
+        return false;
+    }
+    QSqlQuery rows(database);
+    bool done = rows.exec(QStringLiteral("select INT,file_path from ") + table);
+    QVector<std::pair<qint64, qint64>> times; // key of the row, time
+    while (done && rows.next()) {
+        const auto known = created.constFind(rows.value(1).toString());
+        if (known != created.constEnd()) {
+            times.append({rows.value(0).toLongLong(), *known});
+        }
+    }
+    QSqlQuery update(database);
+    done = done && update.prepare(QStringLiteral("update %1 set creation_time=? where INT=?").arg(table));
+    for (const auto& [row, time] : qAsConst(times)) {
+        update.bindValue(0, time);
+        update.bindValue(1, row);
+        done = done && update.exec();
+    }
+    error = update.lastError().isValid() ? update.lastError() : rows.lastError();
+    return done;
+}
+
 void add_counts(const added_rows& more, added_rows& counts, qint64& total) {
     for (auto table = more.begin(); table != more.end(); ++table) {
         for (auto user = table->begin(); user != table->end(); ++user) {
@@ -124,6 +151,7 @@ struct transfer {
     const QVector<worker_rows>& workers;
     const QStringList& tables;
     bool clear;
+    const std::optional<creation_times>& created;
     added_rows taken;
     QMap<QString, qint64> keys_before;
     int current_worker = -1; // whose rows are being taken
@@ -141,6 +169,9 @@ struct transfer {
             keys_before.insert(table, query.value(0).toLongLong());
         }
         for (current_worker = 0; current_worker < workers.size(); ++current_worker) {
+            if (created && !put_creation_times(database, schema_name(current_worker), *created, error)) {
+                return false;
+            }
             for (const QString& table : workers[current_worker].tables) {
                 if (!take_table(database, schema_name(current_worker), table, taken, error)) {
                     return false;
@@ -185,10 +216,10 @@ bool put_in_place(const QString& copy, const QString& database, QString& error) 
 }
 
 merge_outcome merge_workers(const QString& file, const QVector<worker_rows>& workers, const QStringList& tables,
-                            bool clear, added_rows& counts) {
+                            bool clear, added_rows& counts, const std::optional<creation_times>& created) {
     merge_outcome outcome;
     QSqlError error;
-    transfer rows{workers, tables, clear, {}, {}, -1};
+    transfer rows{workers, tables, clear, created, {}, {}, -1};
     outcome.done = with_database(file, error, [&](QSqlDatabase& database) {
         if (!attach(database, workers, error) || !database.transaction()) {
             return false;

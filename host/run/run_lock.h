@@ -15,7 +15,11 @@ public:
     // Takes the lock of the folder (which exists), or says why not: another run holds it, or it cannot be made. The
     // kernel holds it for the living process, so a run that died leaves none behind; the empty file stays.
     bool take(const QString& folder, QString& reason);
+    // Removes the lock's file, of a folder that is about to be removed by the run that holds it.
+    static void remove(const QString& folder);
+    bool is_taken() const { return holds; }
 
 private:
     int handle = -1;
+    bool holds = false;
 };

@@ -50,7 +50,7 @@ sandbox_state confine_process(const sandbox_plan& plan) {
     }
     QStringList notes;
     if (plan.landlock) {
-        const landlock_outcome outcome = apply_landlock(plan.readable, plan.writable);
+        const landlock_outcome outcome = apply_landlock(plan.readable, plan.writable, plan.listable);
         state.landlock = outcome.result;
         state.landlock_abi = outcome.abi;
         notes += outcome.note;

@@ -12,6 +12,7 @@
 struct sandbox_plan {
     QVector<QByteArray> readable; // what is not there, or cannot be entered, is passed over
     QVector<QByteArray> writable; // must be there; may be read as well
+    QVector<QByteArray> listable; // folders whose names, and those of all below, may be read; passed over as above
     bool landlock = true;
     bool syscall_filter = true;
 };

@@ -31,6 +31,7 @@ struct run_summary {
     QStringList not_examined; // of these, those that a cancel left out
     added_rows rows;
     link_counts links; // of the reminder rows added
+    std::optional<creation_times> created; // the source was staged: of its recordings
     qint64 milliseconds = 0;
     health_report health;
     QVector<evidence_record> evidence; // in the profiles' order

@@ -229,6 +229,9 @@ void supervisor::take_message(profile& one, const worker_message& message) {
     case worker_message::ended:
         one.ended_runs += is_cancelled() || one.remaining.isEmpty() ? 0 : 1;
         break;
+    case worker_message::staged: // of no worker of a profile
+    case worker_message::as_given:
+    case worker_message::refused:
     case worker_message::unknown:
         break;
     }
@@ -393,7 +396,7 @@ void supervisor::add_links_of(const profile& one, const merge_outcome& outcome) 
 
 // A worker that was lost may have left a database that SQLite cannot read: its steps are lost then, no others'.
 merge_outcome supervisor::merge_all_that_can_be_read(profile& one, bool clear) {
-    merge_outcome outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows);
+    merge_outcome outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows, summary.created);
     while (!outcome.done && !outcome.damaged_worker.isEmpty()) {
         summary.losses.append({one.label, QString(), outcome.damaged_worker,
                                QStringLiteral("the worker's database is damaged: ") + outcome.damage});
@@ -401,7 +404,7 @@ merge_outcome supervisor::merge_all_that_can_be_read(profile& one, bool clear) {
         one.databases.erase(std::remove_if(one.databases.begin(), one.databases.end(), is_damaged),
                             one.databases.end());
         one.rows_before = 0; // they are told as lost
-        outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows);
+        outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows, summary.created);
     }
     return outcome;
 }

@@ -14,6 +14,7 @@
 #include "host/run/process_limits.h"
 #include "host/run/runtime_paths.h"
 #include "host/run/worker_links.h"
+#include "host/run/staging_worker.h"
 #include "host/run/worker_protocol.h"
 #include "source/real_location.h"
 
@@ -75,7 +76,11 @@ sandbox_state confine(const worker_request& request) {
     sandbox_plan plan;
     plan.landlock = plan.syscall_filter = request.sandbox;
     plan.readable = runtime_paths();
-    plan.readable << QFile::encodeName(request.source_root) << QFile::encodeName(QFileInfo(request.library).path());
+    if (request.staging.wanted) {
+        allow_source_files(request, plan);
+    } else {
+        plan.readable << QFile::encodeName(request.source_root) << QFile::encodeName(QFileInfo(request.library).path());
+    }
     if (!request.folder.isEmpty()) {
         plan.writable << QFile::encodeName(request.folder);
     }
@@ -133,6 +138,9 @@ private:
 };
 
 int work(const worker_request& request, const message_pipe& pipe) {
+    if (request.staging.wanted) {
+        stage_source_of(request, [&](const worker_message& message) { pipe.send(message); });
+    }
     if (request.check) {
         pipe.send(check(request, pipe));
     }

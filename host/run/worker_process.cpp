@@ -7,6 +7,7 @@
 #include "host/run/worker.h"
 
 #include <QCoreApplication>
+#include <QProcessEnvironment>
 
 #include <csignal>
 #include <cstring>
@@ -44,6 +45,11 @@ worker_process::~worker_process() {
 }
 
 void worker_process::begin() {
+    if (request.staging.wanted) { // an archive's library takes times without a zone in its own
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
+        setProcessEnvironment(environment);
+    }
     start(QCoreApplication::applicationFilePath(),
           {QLatin1String(worker_word), QString::number(QCoreApplication::applicationPid())});
     watch =

@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr const char* kind_names[] = {"unknown", "confined",  "evidence", "looked_over", "checked",
-                                      "rows",    "step_done", "linked",   "failed",      "ended"};
+constexpr const char* kind_names[] = {"unknown", "confined", "evidence", "looked_over", "checked", "staged", "as_given",
+                                      "refused", "rows",     "step_done", "linked",     "failed",  "ended"};
 
 QString key(const char* name) {
     return QLatin1String(name);
@@ -92,6 +92,53 @@ QStringList texts_from(const QJsonValue& list) {
     return texts;
 }
 
+QJsonValue ticks_or_null(const std::optional<qint64>& ticks) { // beyond what a JSON number keeps whole
+    return ticks ? QJsonValue(QString::number(*ticks)) : QJsonValue();
+}
+
+std::optional<qint64> ticks_from(const QJsonValue& value) {
+    bool is_number = false;
+    const qint64 ticks = value.toString().toLongLong(&is_number);
+    return is_number ? std::optional(ticks) : std::nullopt;
+}
+
+// Bytes as characters of Latin-1: names of evidence need not be UTF-8.
+QJsonObject to_json(const staged_file& file) {
+    const intake::ntfs_times& times = file.entry.times;
+    return {{key("record"), to_json(file.record)},
+            {key("source"), QString::fromLatin1(file.entry.source)},
+            {key("path"), QString::fromLatin1(file.entry.path)},
+            {key("is_folder"), file.entry.kind == intake::entry_kind::folder},
+            {key("created"), ticks_or_null(times.created)},
+            {key("modified"), ticks_or_null(times.modified)},
+            {key("accessed"), ticks_or_null(times.accessed)}};
+}
+
+staged_file staged_from(const QJsonObject& object) {
+    staged_file file;
+    file.record = evidence_from(object[key("record")].toObject());
+    file.entry.source = object[key("source")].toString().toLatin1();
+    file.entry.path = object[key("path")].toString().toLatin1();
+    file.entry.kind = object[key("is_folder")].toBool() ? intake::entry_kind::folder : intake::entry_kind::file;
+    file.entry.times.created = ticks_from(object[key("created")]);
+    file.entry.times.modified = ticks_from(object[key("modified")]);
+    file.entry.times.accessed = ticks_from(object[key("accessed")]);
+    return file;
+}
+
+QJsonObject to_json(const staging_request& staging) {
+    return {{key("wanted"), staging.wanted},
+            {key("type"), staging.type},
+            {key("volume"), staging.volume},
+            {key("archive_limit"), staging.archive_limit},
+            {key("hive_logs"), staging.hive_logs}};
+}
+
+staging_request staging_from(const QJsonObject& object) {
+    return {object[key("wanted")].toBool(), object[key("type")].toString(), object[key("volume")].toInt(),
+            count_in(object, "archive_limit"), object[key("hive_logs")].toBool(true)};
+}
+
 } // namespace
 
 QByteArray to_bytes(const worker_request& request) {
@@ -113,6 +160,7 @@ QByteArray to_bytes(const worker_request& request) {
         {key("log_terminal"), request.log_terminal},
         {key("encipher_log"), request.encipher_log},
         {key("sandbox"), request.sandbox},
+        {key("staging"), to_json(request.staging)},
     };
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
@@ -135,6 +183,7 @@ worker_request request_from(const QByteArray& bytes) {
     request.log_terminal = object[key("log_terminal")].toBool();
     request.encipher_log = object[key("encipher_log")].toBool();
     request.sandbox = object[key("sandbox")].toBool(true);
+    request.staging = staging_from(object[key("staging")].toObject());
     return request;
 }
 
@@ -163,6 +212,13 @@ QByteArray to_line(const worker_message& message) {
     case worker_message::checked:
         object.insert(key("health"), to_json(message.health));
         break;
+    case worker_message::staged:
+        object.insert(key("file"), to_json(message.file));
+        break;
+    case worker_message::refused:
+        object.insert(key("text"), message.text);
+        object.insert(key("number"), message.number);
+        break;
     case worker_message::rows:
     case worker_message::step_done:
         object.insert(key("number"), message.number);
@@ -172,6 +228,7 @@ QByteArray to_line(const worker_message& message) {
         break;
     case worker_message::unknown:
     case worker_message::linked:
+    case worker_message::as_given:
     case worker_message::ended:
         break;
     }
@@ -192,5 +249,6 @@ worker_message message_from(const QByteArray& line) {
     message.sandbox = sandbox_from(object[key("sandbox")].toObject());
     message.record = evidence_from(object[key("record")].toObject());
     message.health = health_from(object[key("health")].toObject());
+    message.file = staged_from(object[key("file")].toObject());
     return message;
 }

@@ -6,12 +6,29 @@
 #include "contract/host_records.h"
 #include "host/health/evidence_record.h"
 #include "host/health/health_report.h"
+#include "host/intake/staging.h"
 #include "host/run/sandbox.h"
 
 #include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+// The source as it was given is opened, and what is wanted of it is copied into the worker's folder; such a worker does
+// nothing else, and the accounts are those that were asked for, none for every profile.
+struct staging_request {
+    bool wanted = false;
+    QString type; // "folder", "image", "archive"; empty: told by content
+    int volume = 0;
+    qint64 archive_limit = 0; // bytes that are unpacked; 0: the usual limits
+    bool hive_logs = true;    // are applied to the copies of unfinished hives
+};
+
+// A file or folder that was staged.
+struct staged_file {
+    evidence_record record;     // as it is in the source
+    intake::staged_entry entry; // of the copy
+};
 
 // What one worker is to do. Paths are absolute.
 struct worker_request {
@@ -28,6 +45,7 @@ struct worker_request {
     bool log_terminal = false;
     bool encipher_log = false;
     bool sandbox = true;
+    staging_request staging;
 };
 
 QByteArray to_bytes(const worker_request& request);
@@ -46,6 +64,9 @@ struct worker_message {
         evidence,    // record: a file that was looked at
         looked_over, // health: as far as it is known without libesedb
         checked,     // health: all of it
+        staged,      // file: one that stands in the staging folder now
+        as_given,    // the source can be read as it stands, nothing was staged
+        refused,     // text: why the source cannot be opened; number: an exit code
         rows,        // number: rows so far
         step_done,   // number: steps done so far
         linked,      // what it has to tell of reminders is written
@@ -58,6 +79,7 @@ struct worker_message {
     sandbox_state sandbox;
     evidence_record record;
     health_report health;
+    staged_file file;
 };
 
 QByteArray to_line(const worker_message& message);

@@ -46,7 +46,7 @@ private Q_SLOTS:
         row("no command", "--", 2, "a command is missing");
         row("unknown command", "extrat {S} {R}", 2, "did you mean 'extract'?");
         row("unknown option", "extract --tabels x {S} {R}", 2, "tabels");
-        row("three folders", "extract {S} {R} {R}", 2, "two folders");
+        row("three folders", "extract {S} {R} {R}", 2, "two paths");
         row("option without value", "extract {S} {R} --user", 2, "user");
         row("unknown table", "extract --tables searches,cokies {S} {R}", 2, "'cokies'; did you mean 'cookies'?");
         row("table in upper case", "extract --tables DOMSTORES {S} {R}", 2, "there is no table 'DOMSTORES'");

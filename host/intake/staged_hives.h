@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+// Brings staged copies of unfinished registry hives to the state that their staged logs tell of.
+#pragma once
+
+#include "host/intake/staging.h"
+
+namespace intake {
+
+// Replaces the copies for which logs apply, notes that in their entries, and adds what there is to say about the logs
+// as notes. staging: the folder that they were staged into.
+void apply_staged_logs(const QByteArray& staging, staging_result& result);
+
+} // namespace intake

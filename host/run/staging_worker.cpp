@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+// Copies get no times here, since a confined process may set none.
+#include "host/run/staging_worker.h"
+
+#include "host/exit_codes.h"
+#include "host/intake/as_it_stands.h"
+#include "host/intake/names.h"
+#include "host/intake/open_source.h"
+#include "host/intake/staged_hives.h"
+#include "host/intake/times.h"
+#include "host/run/cancellation.h"
+#include "source/native_names.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+
+#include <iterator>
+
+namespace {
+
+using namespace intake;
+
+open_options options_of(const staging_request& asked) {
+    const QString types[] = {QStringLiteral("folder"), QStringLiteral("image"), QStringLiteral("archive")};
+    const auto* const type = std::find(std::begin(types), std::end(types), asked.type);
+    open_options options;
+    if (type != std::end(types)) {
+        options.kind = static_cast<source_kind>(type - std::begin(types));
+    }
+    options.volume = asked.volume;
+    options.limit.largest_entry = asked.archive_limit > 0 ? asked.archive_limit : options.limit.largest_entry;
+    return options;
+}
+
+int exit_code_for(source_refusal refusal) {
+    return refusal == source_refusal::no_users     ? exit_nothing_found
+           : refusal == source_refusal::unreadable ? exit_failures
+                                                   : exit_usage;
+}
+
+QString words_of(const opened_source& opened) {
+    QString words = opened.problem;
+    if (opened.refusal == source_refusal::not_a_source && !opened.reasons.isEmpty()) {
+        words += QStringLiteral(" (%1)").arg(opened.reasons.join(QStringLiteral("; ")));
+    }
+    for (const image_volume& volume : opened.volumes) {
+        const QString state = !volume.problem.isEmpty() ? volume.problem
+                              : volume.roots.isEmpty()  ? QStringLiteral("no folder Users")
+                                                        : QStringLiteral("holds a folder Users");
+        words += QStringLiteral("; volume %1 (%2): %3")
+                     .arg(volume.number)
+                     .arg(volume.file_system.isEmpty() ? volume.description : volume.file_system, state);
+    }
+    return words;
+}
+
+// The asked profiles that are there, under either name; all when none was asked for.
+QVector<QByteArray> profiles_of(const worker_request& request, opened_source& opened, health_report& findings) {
+    if (request.accounts.isEmpty()) {
+        return list_profiles(*opened.view, opened.root, findings);
+    }
+    entry_finder finder(*opened.view, opened.root.percent_encoded);
+    QVector<QByteArray> profiles;
+    for (const system_account& account : request.accounts) {
+        for (const QString& name : {account.system_user, account.domain_user}) {
+            const QByteArray native = QFile::encodeName(name);
+            const bool is_new = is_plain_name(native) && !profiles.contains(native);
+            if (is_new && finder.find(opened.root.path, "Users/" + native).there) {
+                profiles.append(native);
+            }
+        }
+    }
+    return profiles;
+}
+
+QString time_text(const std::optional<qint64>& ticks) {
+    if (!ticks) {
+        return {};
+    }
+    const timespec time = timespec_of(*ticks);
+    return QDateTime::fromSecsSinceEpoch(time.tv_sec, Qt::UTC).toString(QStringLiteral("yyyy-MM-ddThh:mm:ss")) +
+           QStringLiteral(".%1Z").arg(time.tv_nsec, 9, 10, QLatin1Char('0'));
+}
+
+staged_file file_of(const staged_entry& entry) {
+    staged_file file;
+    file.entry = entry;
+    file.record.path = shown_path(entry.source);
+    file.record.kind = QStringLiteral("file");
+    file.record.size = entry.size;
+    file.record.sha256 = entry.sha256.toHex();
+    file.record.sha256_with_logs = entry.sha256_with_logs.toHex();
+    file.record.log_entries = entry.log_entries;
+    file.record.created = time_text(entry.times.created);
+    file.record.modified = time_text(entry.times.modified);
+    file.record.accessed = time_text(entry.times.accessed);
+    file.record.changed = time_text(entry.times.changed);
+    return file;
+}
+
+bool is_usable_as_given(const worker_request& request, opened_source& opened, const QVector<QByteArray>& profiles) {
+    if (opened.kind != source_kind::folder) {
+        return false;
+    }
+    const standing how = standing_of(*opened.view, opened.root, profiles);
+    const bool may_apply = request.staging.hive_logs && how == standing::has_logs;
+    return how != standing::needs_staging && !(may_apply && has_unfinished_hive(*opened.view, opened.root, profiles));
+}
+
+void stage_opened(const worker_request& request, opened_source& opened, const message_sender& send) {
+    worker_message checked;
+    checked.what = worker_message::checked;
+    const QVector<QByteArray> profiles = profiles_of(request, opened, checked.health);
+    if (is_usable_as_given(request, opened, profiles)) {
+        worker_message as_given;
+        as_given.what = worker_message::as_given;
+        send(as_given);
+        return;
+    }
+    staging_limit limit;
+    if (opened.kind == source_kind::archive && request.staging.archive_limit > 0) {
+        limit.most_bytes = request.staging.archive_limit;
+    }
+    const QByteArray folder = QFile::encodeName(request.folder);
+    const std::function<bool()> cancelled = is_cancelled;
+    staging_result result = stage_profiles(*opened.view, opened.root, profiles, folder, limit, cancelled);
+    if (request.staging.hive_logs) {
+        apply_staged_logs(folder, result);
+    }
+    for (const staged_entry& entry : result.entries) {
+        worker_message staged;
+        staged.what = worker_message::staged;
+        staged.file = file_of(entry);
+        send(staged);
+    }
+    checked.health.add(opened.findings);
+    checked.health.add(result.findings);
+    send(checked);
+    if (!result.stopped.isEmpty()) {
+        worker_message refused;
+        refused.what = worker_message::refused;
+        refused.text = result.stopped;
+        refused.number = exit_output;
+        send(refused);
+    }
+}
+
+} // namespace
+
+void stage_source_of(const worker_request& request, const message_sender& send) {
+    opened_source opened = open_source(QFile::encodeName(request.source_root), options_of(request.staging));
+    if (opened.view) {
+        stage_opened(request, opened, send);
+        return;
+    }
+    worker_message refused;
+    refused.what = worker_message::refused;
+    refused.text = words_of(opened);
+    refused.number = exit_code_for(opened.refusal);
+    send(refused);
+}
+
+void allow_source_files(const worker_request& request, sandbox_plan& plan) {
+    const QByteArray source = QFile::encodeName(request.source_root);
+    if (QFileInfo(request.source_root).isDir()) {
+        plan.readable.append(source);
+        return;
+    }
+    plan.readable += source_files(source);
+    plan.listable.append(source.left(source.lastIndexOf('/') + 1)); // segments stand beside each other
+}

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+// What a worker does that stages: opens the source as what it is, copies what is wanted of it, applies hives' logs.
+#pragma once
+
+#include "host/run/worker_protocol.h"
+
+#include <functional>
+
+using message_sender = std::function<void(const worker_message& message)>;
+
+// Call it confined: hostile bytes go through image and archive libraries here. Sends all but the last message.
+void stage_source_of(const worker_request& request, const message_sender& send);
+
+// Files that the worker has to open, and the folder whose names it has to know. Reads the begin and the end of the
+// files; call it before the process is confined.
+void allow_source_files(const worker_request& request, sandbox_plan& plan);
