@@ -139,7 +139,7 @@ private Q_SLOTS:
         QTest::newRow("between cache entries") << int(cache_files) << 2 << 0;
         QTest::newRow("between containers") << int(cache_files) << 5 << 0;
         QTest::newRow("between WebCache files") << int(cache_files) << 7 << 0;
-        QTest::newRow("no cache entry left") << int(cache_files) << 14 << 1;
+        QTest::newRow("no cache entry left") << int(cache_files) << 14 << 0;
         QTest::newRow("between searches") << int(searches) << 1 << 1;
         QTest::newRow("between hives") << int(searches) << 2 << 1;
         QTest::newRow("no recent search left") << int(searches) << 4 << 2;
