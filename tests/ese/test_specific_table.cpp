@@ -127,48 +127,6 @@ private Q_SLOTS:
         QVERIFY(!reader.current_time_triggers_data && !reader.current_remainder_data);
     }
 
-    void sink_takes_records_data() {
-        QTest::addColumn<int>("wanted");         // the sink says no with this record
-        QTest::addColumn<bool>("takes");         // what the lists hold
-        QTest::addColumn<QVector<int>>("calls"); // of the plain, the keyed and the chain with list
-        QTest::newRow("all, taken") << 9 << true << QVector<int>{3, 3, 3};
-        QTest::newRow("all, left") << 9 << false << QVector<int>{3, 3, 3};
-        QTest::newRow("first only") << 1 << true << QVector<int>{1, 1, 1};
-        QTest::newRow("two") << 2 << false << QVector<int>{2, 2, 2};
-    }
-
-    void sink_takes_records() {
-        QFETCH(int, wanted);
-        QFETCH(bool, takes);
-        const QString path = path_of("sink.dat");
-        const QString table = QStringLiteral("Triggers");
-        write_ese(path, {numbered_rows("Triggers", 3)});
-        specific_table reader;
-        int in_lists = 0;
-        int called = 0;
-        reader.set_record_sink([&] {
-            in_lists = reader.list_struct_data.size() + reader.list_remainder_data.size();
-            if (takes) {
-                reader.list_struct_data.clear();
-                reader.list_remainder_data.clear();
-            }
-            return ++called < wanted;
-        });
-        QVector<int> calls;
-        const auto note = [&](int opened) {
-            QCOMPARE(opened, 0);
-            calls.append(std::exchange(called, 0));
-        };
-        note(reader.start_parsing(path, table));
-        note(reader.start_parsing(path, table, key, 1));
-        note(reader.start_parsing(path, table, key, QStringList()));
-        QTEST(calls, "calls");
-        QCOMPARE(in_lists, takes ? 1 : calls[0] + calls[1] + calls[2]);
-        reader.set_record_sink({});
-        reader.start_parsing(path, table);
-        QCOMPARE(reader.list_struct_data.size(), takes ? 3 : calls[0] + 3);
-    }
-
     void readers_keep_their_columns() {
         const QString path = path_of("core.dat");
         // Column names are compared exactly: those in other spellings, at an end each, are not kept.
