@@ -28,6 +28,13 @@ const kept_column<entry, QString> entry_texts[] = {
 
 constexpr int secure_name_length = 8;
 
+// One more copy, unless the list has become too long for it.
+void add_names(QStringList& list, const QStringList& names) {
+    if (list.isEmpty() || list.size() + names.size() <= container_reader::most_repeated_names) {
+        list += names;
+    }
+}
+
 } // namespace
 
 QStringList secure_directory_names(const QString& text) {
@@ -63,15 +70,23 @@ void container_reader::get_record_values(libesedb_record_t* record, libesedb_err
 void container_reader::get_column_name_and_type(libesedb_record_t* record, libesedb_error_t* error, QString directory,
                                                 QStringList secure_directories) {
     const int known = list_ano_data.size();
+    int visited = 0;
+    visits = &visited;
     walk_values(record, error, list_ano_data, current_ano_data, directory, secure_directories);
+    visits = nullptr;
     if (list_ano_data.size() > known) {
-        QStringList& names = list_ano_data[known].container_secure_directories;
-        if (names == names_of_last_record) {
-            names = names_of_last_record; // all records of a table share one list
-        } else {
-            names_of_last_record = names;
+        list_ano_data[known].container_secure_directories = repeated_names(secure_directories, visited);
+    }
+}
+
+const QStringList& container_reader::repeated_names(const QStringList& names, int copies) {
+    if (last_repeated.copies != copies || last_repeated.names != names) { // quick: they share their data
+        last_repeated = {names, copies, {}};
+        for (int copy = 0; copy < copies; ++copy) {
+            add_names(last_repeated.result, names);
         }
     }
+    return last_repeated.result;
 }
 
 void container_reader::get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name,
@@ -82,9 +97,10 @@ void container_reader::get_record_values(libesedb_record_t* record, libesedb_err
     }
     // Deliberate: a record of N columns holds N copies of the container's secure directories, one for each visit of a
     // value. An index beyond the first copy finds a name again; with one copy its row would lose the sub-directory.
-    QStringList& names = current_ano_data->container_secure_directories;
-    if (names.isEmpty() || names.size() + secure_directories.size() <= most_repeated_names) {
-        names += secure_directories;
+    if (visits != nullptr) {
+        ++*visits; // get_column_name_and_type makes the copies
+    } else {
+        add_names(current_ano_data->container_secure_directories, secure_directories);
     }
     if (QString* text = field_of_column(entry_texts, column_name, *current_ano_data)) {
         *text = utf8_until_nul(record_type_case(record, value_index, column_type, error));

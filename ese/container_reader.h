@@ -23,10 +23,17 @@ public:
 
     // A damaged file chooses both the number of names and the number of columns; a real one has at most 32 of each.
     // No record gets more names than this, but one copy of them all.
-    static constexpr int most_repeated_names = 1 << 16;
+    static constexpr int most_repeated_names = 1 << 22;
 
 private:
-    QStringList names_of_last_record;
+    // All records of a table share one list, made once.
+    const QStringList& repeated_names(const QStringList& names, int copies);
+    struct {
+        QStringList names;
+        int copies = 0;
+        QStringList result;
+    } last_repeated;
+    int* visits = nullptr; // of the values of the record being walked; null outside a walk
 };
 
 // The names of 8 characters that stand side by side in a container's "SecureDirectories"; none when the length of the

@@ -11,12 +11,9 @@ namespace {
 
 constexpr size_t ordinary_name = 1024;
 
-// What the long values of a sound file come to at the most: they may be compressed, but not shared by the thousand.
-qint64 most_long_bytes(const QString& file_path) {
-    constexpr qint64 always_allowed = qint64{256} << 20;
-    constexpr qint64 most_growth = 16;
-    return always_allowed + most_growth * QFileInfo(file_path).size();
-}
+// Bytes of long values that each byte of a sound file comes to at the most: they may be compressed, but not shared by
+// the thousand.
+constexpr qint64 most_growth = 16;
 
 } // namespace
 
@@ -26,7 +23,7 @@ int specific_table::start_chain(const QString& file_path, const QString& table_n
     if (!file) {
         return -1;
     }
-    long_bytes_left = most_long_bytes(file_path);
+    long_bytes_left = always_allowed_long_bytes + most_growth * QFileInfo(file_path).size();
     get_desired_table(file.get(), nullptr, table_name, extra...);
     long_bytes_left = unlimited;
     return 0;

@@ -164,6 +164,9 @@ public:
                                    int value_index, unsigned int column_type, QString key);
 
 protected:
+    // Bytes of long values that start_parsing hands out even from the smallest file.
+    qint64 always_allowed_long_bytes = qint64{256} << 20;
+
     // Walks the values of one record into a new Record, to which *current points meanwhile, and appends it to list.
     // extra is what the chain carries down to the hook. A record whose values cannot be counted or whose column types
     // cannot be read is dropped. Overrides of get_column_name_and_type are one call of this (record_walk.h).

@@ -10,8 +10,8 @@ namespace {
 
 using trigger = specific_table::struct_place_reminder_data;
 
-// Deliberate: "Starts" in mixed case and the blank in front of the insertion message are what this step has always
-// logged; hosts filter on the exact texts.
+// Deliberate: "Starts" in mixed case and the blank in front of the insertion message are the suite's contract; hosts
+// filter on the exact texts.
 const reminder_step<trigger> step{
     {
         "void cortana_winos::extract_place_reminders()",

@@ -93,7 +93,8 @@ qint64 iso_text_to_unix_seconds(const QString& text) {
     if (const std::optional<qint64> seconds = ordinary_local_seconds(time)) {
         return *seconds;
     }
-    // Deliberate: no validity test; a text that does not parse gives what an invalid date-time gives, as it always did.
+    // Deliberate: no validity test; a text that does not parse gives what an invalid date-time gives. It is the suite's
+    // contract.
     return QDateTime::fromString(time, QStringLiteral("yyyy-MM-dd hh:mm:ss")).toMSecsSinceEpoch() / 1000;
 }
 

@@ -70,17 +70,14 @@ private:
         if (run.cancelled()) {
             return false;
         }
-        asked_before_row = false;
         reader.start_parsing(file, QStringLiteral("Container_") + container.container_id, container.directory,
                              container.secure_directories);
-        // Deliberate: not asked behind the last row; a cancel that comes with it counts only when more is left to do.
-        return asked_before_row ? !run.has_seen_cancel() : !run.cancelled();
+        return !run.cancelled();
     }
 
     // False when cancelled.
     bool write_records() {
         for (const specific_table::struct_ano_data& entry : qAsConst(reader.list_ano_data)) {
-            asked_before_row = true;
             if (run.cancelled()) {
                 break;
             }
@@ -103,7 +100,6 @@ private:
     specific_table& reader;
     source_guard guard; // nothing that an entry names is looked at outside the source
     row_origin origin;  // of the file being read
-    bool asked_before_row = false;
 };
 
 } // namespace

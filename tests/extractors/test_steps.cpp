@@ -73,6 +73,12 @@ class test_steps : public QObject {
     }
 
 private Q_SLOTS:
+    // Every case writes a source of its own, and on a disk would wait for it.
+    void initTestCase() {
+        if (QFileInfo("/dev/shm"_q).isWritable()) {
+            qputenv("TMPDIR", "/dev/shm");
+        }
+    }
     void init() {
         folder = std::make_unique<test_case_folder>(
             QList<QPair<QString, QString>>{{"anna"_q, "CORP\\anna"_q}, {"bernd"_q, QString()}});
@@ -139,7 +145,7 @@ private Q_SLOTS:
         QTest::newRow("between cache entries") << int(cache_files) << 2 << 0;
         QTest::newRow("between containers") << int(cache_files) << 5 << 0;
         QTest::newRow("between WebCache files") << int(cache_files) << 7 << 0;
-        QTest::newRow("no cache entry left") << int(cache_files) << 14 << 1;
+        QTest::newRow("no cache entry left") << int(cache_files) << 14 << 0;
         QTest::newRow("between searches") << int(searches) << 1 << 1;
         QTest::newRow("between hives") << int(searches) << 2 << 1;
         QTest::newRow("no recent search left") << int(searches) << 4 << 2;

@@ -22,6 +22,7 @@ QVector<QStringList> run_statement(const QString& path, const QString& statement
         QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE"_q, "test_database"_q);
         database.setDatabaseName(path);
         database.open();
+        QSqlQuery("pragma synchronous = off"_q, database); // nothing of a test outlives the machine
         QSqlQuery query(statement, database);
         if (!query.isActive()) {
             qFatal("%s: %s: %s", qPrintable(path), qPrintable(statement), qPrintable(query.lastError().text()));
@@ -35,6 +36,20 @@ QVector<QStringList> run_statement(const QString& path, const QString& statement
     }
     QSqlDatabase::removeDatabase("test_database"_q);
     return rows;
+}
+
+// The file is made once: ten statements a case would cost more than what most cases test.
+void write_empty_tables(const QString& path) {
+    static const QByteArray content = [&] {
+        for (const result_table& table : result_tables()) {
+            run_statement(path, QLatin1String(table.create_statement));
+        }
+        return whole_file(path);
+    }();
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        qFatal("cannot write %s", qPrintable(path));
+    }
 }
 
 std::function<void()> action_at_failure;
@@ -56,9 +71,7 @@ test_case_folder::test_case_folder(const QList<QPair<QString, QString>>& account
     }
     QDir().mkpath(root());
     QDir().mkpath(result_dir());
-    for (const result_table& table : result_tables()) {
-        execute(QLatin1String(table.create_statement));
-    }
+    write_empty_tables(database_path());
     plugin_static_function::set_essentials();
     plugin_static_function::set_engine_type(0);
     plugin_static_function::set_source_count(1);
