@@ -197,6 +197,13 @@ class test_verify(run_case):
         self.assertTrue(answer.stdout.startswith(self.database.encode() + b": it differs"), answer.stdout)
         self.assertTrue(answer.stdout.endswith(b"\n1 of 2 files as recorded\n"), answer.stdout)
 
+    def test_without_a_digest(self):
+        record = self.record()
+        record["written"][0]["sha256"] = None
+        with open(self.own_folder + "/run.json", "w", encoding="utf-8") as opened:
+            json.dump(record, opened)
+        self.assertEqual(self.differences("{R}", 3)[1], {self.database: "its digest was not recorded"})
+
     def test_damaged_record(self):
         file = self.own_folder + "/run.json"
         with open(file, "r+b") as opened:
