@@ -87,6 +87,7 @@ class test_run_json(run_case):
             self.assertEqual(each["modified"][-10:-1], "%09d" % (os.stat(path).st_mtime_ns % 10**9))
         webcache = looked_at[self.source + WEBCACHE]
         self.assertEqual((webcache["kind"], webcache["ese"]["damaged_pages"]), ("ESE database", 0))
+        self.assertTrue(webcache["ese"]["tables_known"] and webcache["ese"]["unwritten_pages"] > 0)
         self.assertIn("Containers", [table["name"] for table in webcache["ese"]["tables"] if table["rows"] > 0])
         self.assertEqual(looked_at[self.source + HIVE]["kind"], "registry hive")
         self.assertGreater(looked_at[self.source + HIVE]["hive"]["bins_size"], 0)
