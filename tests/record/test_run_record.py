@@ -87,6 +87,7 @@ class test_run_json(run_case):
             self.assertEqual(each["modified"][-10:-1], "%09d" % (os.stat(path).st_mtime_ns % 10**9))
         webcache = looked_at[self.source + WEBCACHE]
         self.assertEqual((webcache["kind"], webcache["ese"]["damaged_pages"]), ("ESE database", 0))
+        self.assertTrue(webcache["ese"]["tables_known"] and webcache["ese"]["unwritten_pages"] > 0)
         self.assertIn("Containers", [table["name"] for table in webcache["ese"]["tables"] if table["rows"] > 0])
         self.assertEqual(looked_at[self.source + HIVE]["kind"], "registry hive")
         self.assertGreater(looked_at[self.source + HIVE]["hive"]["bins_size"], 0)
@@ -196,6 +197,13 @@ class test_verify(run_case):
         answer = self.run_host("verify {R}", 3)
         self.assertTrue(answer.stdout.startswith(self.database.encode() + b": it differs"), answer.stdout)
         self.assertTrue(answer.stdout.endswith(b"\n1 of 2 files as recorded\n"), answer.stdout)
+
+    def test_without_a_digest(self):
+        record = self.record()
+        record["written"][0]["sha256"] = None
+        with open(self.own_folder + "/run.json", "w", encoding="utf-8") as opened:
+            json.dump(record, opened)
+        self.assertEqual(self.differences("{R}", 3)[1], {self.database: "its digest was not recorded"})
 
     def test_damaged_record(self):
         file = self.own_folder + "/run.json"
