@@ -3,9 +3,8 @@
 // own, so that nothing of the lost one is used but the steps that it had finished.
 #include "host/run/supervisor.h"
 
-#include "host/record/links_file.h"
 #include "host/run/cancellation.h"
-#include "host/run/result_merge.h"
+#include "host/run/supervisor_profile.h"
 #include "host/run/worker_links.h"
 #include "source/places.h"
 
@@ -33,51 +32,7 @@ QString place_of(const QString& table) {
     return found;
 }
 
-// Appends the file to the log; its last line is ended if the worker did not come to that.
-bool append_log(const QString& from, const QString& to) {
-    QFile source(from);
-    QFile log(to);
-    if (!source.exists()) {
-        return true;
-    }
-    if (!source.open(QIODevice::ReadOnly) || !log.open(QIODevice::WriteOnly | QIODevice::Append)) {
-        return false;
-    }
-    QByteArray last;
-    constexpr qint64 at_once = 1024 * 1024;
-    for (QByteArray part = source.read(at_once); !part.isEmpty(); part = source.read(at_once)) {
-        if (log.write(part) != part.size()) {
-            return false;
-        }
-        last = part.right(1);
-    }
-    const bool ended = last.isEmpty() || last == "\n" || last == "\0";
-    return (ended || log.write("\n") == 1) && log.flush();
-}
-
 } // namespace
-
-struct supervisor::profile {
-    enum { waiting, working, finished, merged } state = waiting;
-    int place = 0; // in the run
-    QList<system_account> accounts;
-    QString label;
-    QStringList remaining;          // tables that no worker has finished or lost
-    bool linked = false;            // a worker told what reminders belong to, or cannot
-    QString links;                  // where it is told; empty: nowhere
-    bool checked = false;           // the look over the evidence is done or lost
-    QStringList folders;            // of its workers so far, the running one's last
-    QVector<worker_rows> databases; // of its workers so far that finished a step
-    int steps_done = 0;             // by the running worker
-    qint64 rows_told = 0;           // by the running worker
-    qint64 rows_kept = 0;           // of the running worker's finished steps
-    qint64 rows_before = 0;         // of the finished steps of those before it
-    int ended_runs = 0;             // runs of the plugin that came to their end
-    log_findings log;
-    health_report health;
-    QVector<evidence_record> evidence;
-    std::unique_ptr<worker_process> worker;
-};
 
 supervisor::supervisor(const extract_options& asked, const QString& source_root, const QString& library_file,
                        const QList<QList<system_account>>& groups, run_summary& result)
@@ -295,118 +250,6 @@ void supervisor::take_findings(profile& one) {
         summary.add_trouble(QStringLiteral("the result database %1 cannot be written: %2")
                                 .arg(summary.output.database, findings.output_trouble));
     }
-}
-
-void supervisor::merge_finished() {
-    if (!only_checks() && options.clear) {
-        replace_database();
-    } else if (!only_checks()) {
-        merge_in_order();
-    }
-}
-
-// With --clear the rows go into a copy, when all profiles are through, and it takes the database's place only when it
-// is whole: the rows of earlier runs must not be lost for an unfinished run's.
-void supervisor::replace_database() {
-    merge_target = summary.output.workers + QStringLiteral("cleared.sqlite");
-    QString error;
-    const bool any =
-        std::any_of(profiles.begin(), profiles.end(), [](const auto& one) { return one->state == profile::finished; });
-    if (!any || !summary.output_troubles.isEmpty()) {
-        return;
-    }
-    const QString links = links_file(summary.output.database);
-    bool done = copy_database(summary.output.database, merge_target, error) &&
-                (!QFile::exists(links) || copy_database(links, links_file(merge_target), error));
-    if (done) {
-        merge_in_order();
-        done = !has_cleared || !summary.output_troubles.isEmpty() || put_cleared_in_place(links, error);
-    }
-    if (!done) {
-        summary.add_trouble(
-            QStringLiteral("the result database %1 cannot be written: %2").arg(summary.output.database, error));
-    }
-    if (!summary.output_troubles.isEmpty()) {
-        summary.rows.clear();
-    }
-}
-
-// Links must never stand beside rows of another run: they go first and come last.
-bool supervisor::put_cleared_in_place(const QString& links, QString& error) const {
-    const QString new_links = links_file(merge_target);
-    QFile::remove(links);
-    return put_in_place(merge_target, summary.output.database, error) &&
-           (!QFile::exists(new_links) || put_in_place(new_links, links, error));
-}
-
-void supervisor::merge_in_order() {
-    for (const auto& one : profiles) {
-        const bool has_trouble =
-            !one->log.output_trouble.isEmpty() || (options.clear && !summary.output_troubles.isEmpty());
-        if (has_trouble || (one->state != profile::finished && one->state != profile::merged)) {
-            return;
-        }
-        if (one->state == profile::finished) {
-            merge(*one);
-        }
-    }
-}
-
-void supervisor::merge(profile& one) {
-    one.state = profile::merged;
-    const bool clear = options.clear && !has_cleared;
-    QString links_trouble;
-    if (clear && !clear_links(merge_target, options.tables, links_trouble)) {
-        summary.add_trouble(QStringLiteral("the links of reminders cannot be cleared: %1").arg(links_trouble));
-        return;
-    }
-    const merge_outcome outcome = merge_all_that_can_be_read(one, clear);
-    if (!outcome.done) {
-        summary.add_trouble(QStringLiteral("the result database %1 cannot be written: %2")
-                                .arg(summary.output.database, outcome.trouble));
-        return;
-    }
-    has_cleared = has_cleared || clear;
-    add_links_of(one, outcome);
-    if (outcome.rows < one.rows_before) {
-        summary.add_trouble(QStringLiteral("rows were lost: the plugin wrote %1, the database %2 got %3")
-                                .arg(one.rows_before)
-                                .arg(summary.output.database)
-                                .arg(outcome.rows));
-    }
-    summary.log.add(one.log);
-    bool whole = one.log.ended_runs >= one.ended_runs;
-    for (const QString& folder : qAsConst(one.folders)) {
-        whole = append_log(worker_log(folder), summary.output.log) && whole;
-        QDir(folder).removeRecursively();
-    }
-    if (!whole) {
-        summary.add_trouble(
-            QStringLiteral("the debug log %1 is not whole: it could not be written").arg(summary.output.log));
-    }
-}
-
-void supervisor::add_links_of(const profile& one, const merge_outcome& outcome) {
-    QString error;
-    const linked_rows rows{merge_target, one.links, options.tables, outcome.keys_before};
-    if (!reminder_tables(options.tables).isEmpty() && !add_links(rows, summary.links, error)) {
-        summary.add_trouble(QStringLiteral("the links of reminders cannot be written: %1").arg(error));
-    }
-}
-
-// A worker that was lost may have left a database that SQLite cannot read: its steps are lost then, no others'.
-merge_outcome supervisor::merge_all_that_can_be_read(profile& one, bool clear) {
-    merge_outcome outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows, summary.created);
-    while (!outcome.done && !outcome.damaged_worker.isEmpty()) {
-        summary.losses.append({one.label, QString(), outcome.damaged_worker,
-                               QStringLiteral("the worker's database is damaged: ") + outcome.damage});
-        const auto is_damaged = [&](const worker_rows& rows) { return rows.database == outcome.damaged_worker; };
-        one.databases.erase(std::remove_if(one.databases.begin(), one.databases.end(), is_damaged),
-                            one.databases.end());
-        one.rows_before = 0; // they are told as lost
-        outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows, summary.created);
-    }
-    return outcome;
 }
 
 void supervisor::look_round() {
