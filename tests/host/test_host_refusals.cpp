@@ -63,7 +63,7 @@ private Q_SLOTS:
         row("unit without a number", "extract --output-limit K {S} {R}", 2, "--output-limit does not take 'K'");
         row("unknown progress", "check --progress lines {S}", 2, "there is no form of progress 'lines'");
         row("log without a name", "extract --log= {S} {R}", 2, "the debug log's name is empty");
-        row("check of two folders", "check {S} {R}", 2, "check takes one folder");
+        row("check of two folders", "check {S} {R}", 2, "check takes one path");
         row("verify of nothing", "verify", 2, "verify takes RESULT");
         row("log without file", "log", 2, "log takes one file");
         row("log of nothing", "log {B}/missing", 2, "cannot be opened");

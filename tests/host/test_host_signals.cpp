@@ -89,7 +89,7 @@ class test_host_signals : public QObject {
     }
 
 private Q_SLOTS:
-    void keeps_what_was_written() { cancel("--clear"_q, "[pub_extract_artifacts] - END", SIGINT); }
+    void keeps_what_was_written() { cancel("--clear --jobs 1"_q, "[pub_extract_artifacts] - END", SIGINT); }
 
     void stops_at_once_at_the_second_signal() {
         const host_case host;

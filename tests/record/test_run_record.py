@@ -77,7 +77,7 @@ class test_run_json(run_case):
         database = self.own_folder + "/Cortana.sqlite"
         log = self.base + "/result/cortana_debug.log"
         self.assertEqual(record["written"], [{"path": path, "size": os.path.getsize(path), "sha256": digest(path)}
-                                             for path in (database, log)])
+                                             for path in (database, log, self.own_folder + "/Cortana_links.sqlite")])
         files = [path for path in glob.glob(self.source + "/Users/anna/**", recursive=True) if os.path.isfile(path)]
         looked_at = {each["path"]: each for each in record["evidence"]}
         self.assertTrue(set(looked_at) <= set(files) and len(looked_at) > 5)
@@ -176,13 +176,13 @@ class test_verify(run_case):
 
     def test_as_recorded(self):
         evidence = len(self.record()["evidence"])
-        self.assertEqual(self.differences("{R}", 0), (2, {}))
-        self.assertEqual(self.differences("{R} {S}", 0), (2 + evidence, {}))
+        self.assertEqual(self.differences("{R}", 0), (3, {}))
+        self.assertEqual(self.differences("{R} {S}", 0), (3 + evidence, {}))
         shutil.copytree(self.base + "/result", self.base + "/moved")
         os.rename(self.source, self.base + "/elsewhere")
         change_byte(self.database, 5000)  # what lies at the old place now is not what is asked about
         moved = self.base + "/moved/Artifacts_Result/Cortana"
-        self.assertEqual(self.differences(moved + "/run.json " + self.base + "/elsewhere", 0), (2 + evidence, {}))
+        self.assertEqual(self.differences(moved + "/run.json " + self.base + "/elsewhere", 0), (3 + evidence, {}))
         os.unlink(moved + "/Cortana.sqlite")
         self.assertEqual(set(self.differences(self.base + "/moved", 3)[1]), {self.database})
 
@@ -196,7 +196,7 @@ class test_verify(run_case):
         self.assertEqual(different[self.source + HIVE], "it cannot be read: No such file or directory")
         answer = self.run_host("verify {R}", 3)
         self.assertTrue(answer.stdout.startswith(self.database.encode() + b": it differs"), answer.stdout)
-        self.assertTrue(answer.stdout.endswith(b"\n1 of 2 files as recorded\n"), answer.stdout)
+        self.assertTrue(answer.stdout.endswith(b"\n2 of 3 files as recorded\n"), answer.stdout)
 
     def test_without_a_digest(self):
         record = self.record()
