@@ -15,9 +15,8 @@
 namespace {
 
 QString record_in(const QString& result) {
-    return QFileInfo(result).isDir()
-               ? result_layout::plugin_folder(result, artifact_name) + QStringLiteral("run.json")
-               : result;
+    return QFileInfo(result).isDir() ? result_layout::plugin_folder(result, artifact_name) + QStringLiteral("run.json")
+                                     : result;
 }
 
 QByteArray as_json(const verification& found) {

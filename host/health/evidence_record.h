@@ -23,7 +23,7 @@ struct evidence_record {
     // Of a hive whose transaction logs were applied to a copy, from which the rows come.
     QByteArray sha256_with_logs; // of that copy, hexadecimal; empty: none were applied
     qint64 log_entries = 0;      // applied
-    file_health health; // of databases and hives
+    file_health health;          // of databases and hives
 };
 
 // Hears of each file that was looked at, in the order of looking.

@@ -7,12 +7,12 @@
 #include <QVector>
 
 struct verified_file {
-    QString path; // as it was looked for
+    QString path;       // as it was looked for
     QString difference; // empty: the same as recorded
 };
 
 struct verification {
-    QString unreadable; // why the record itself cannot be read; empty: it can
+    QString unreadable;           // why the record itself cannot be read; empty: it can
     QVector<verified_file> files; // in the record's order: what the run wrote, then the evidence
     qint64 differences = 0;
 };

@@ -30,7 +30,7 @@ struct run_summary {
     QStringList profiles;     // chosen ones
     QStringList not_examined; // of these, those that a cancel left out
     added_rows rows;
-    link_counts links; // of the reminder rows added
+    link_counts links;                     // of the reminder rows added
     std::optional<creation_times> created; // the source was staged: of its recordings
     qint64 milliseconds = 0;
     health_report health;

@@ -13,8 +13,8 @@
 #include "host/run/plugin_run.h"
 #include "host/run/process_limits.h"
 #include "host/run/runtime_paths.h"
-#include "host/run/worker_links.h"
 #include "host/run/staging_worker.h"
+#include "host/run/worker_links.h"
 #include "host/run/worker_protocol.h"
 #include "source/real_location.h"
 

@@ -14,8 +14,9 @@
 
 namespace {
 
-constexpr const char* kind_names[] = {"unknown", "confined", "evidence", "looked_over", "checked", "staged", "as_given",
-                                      "refused", "rows",     "step_done", "linked",     "failed",  "ended"};
+constexpr const char* kind_names[] = {"unknown", "confined", "evidence", "looked_over", "checked",
+                                      "staged",  "as_given", "refused",  "rows",        "step_done",
+                                      "linked",  "failed",   "ended"};
 
 QString key(const char* name) {
     return QLatin1String(name);
