@@ -12,8 +12,8 @@ enum class source_list { webcache, ntuser, indexed_db, cortana_core_db, speech, 
 // A file or folder below a profile or below a Cortana package folder.
 struct evidence_place {
     source_list list;
-    const char* below; // begins with "/"; a folder's ends with "/"
     evidence_kind kind;
+    const char* below;  // begins with "/"; a folder's ends with "/"
     const char* tables; // that rows of it go to, separated by blanks; empty: none
 };
 
@@ -27,17 +27,18 @@ inline constexpr const char* packages_folder = "/AppData/Local/Packages/";
 inline constexpr const char* package_mark = "Microsoft.Windows.Cortana";
 
 inline constexpr evidence_place in_profile[] = {
-    {source_list::webcache, "/AppData/Local/Microsoft/Windows/WebCache/WebCacheV01.dat", evidence_kind::ese_database,
+    {source_list::webcache, evidence_kind::ese_database, "/AppData/Local/Microsoft/Windows/WebCache/WebCacheV01.dat",
      "cache_files cookies domstore"},
-    {source_list::ntuser, "/NTUSER.DAT", evidence_kind::registry_hive, "searches"},
+    {source_list::ntuser, evidence_kind::registry_hive, "/NTUSER.DAT", "searches"},
 };
 
 inline constexpr evidence_place in_package[] = {
-    {source_list::indexed_db, "/AppData/Indexed DB/IndexedDB.edb", evidence_kind::ese_database, ""},
-    {source_list::cortana_core_db, "/LocalState/ESEDatabase_CortanaCoreInstance/CortanaCoreDb.dat",
-     evidence_kind::ese_database, "time_reminders place_reminders contact_triggers"},
-    {source_list::speech, "/LocalState/LocalRecorder/Speech/", evidence_kind::folder_tree, "latest_audio_search"},
-    {source_list::graph, "/LocalState/Graph/", evidence_kind::folder_tree, "graphed_cache"},
+    {source_list::indexed_db, evidence_kind::ese_database, "/AppData/Indexed DB/IndexedDB.edb", ""},
+    {source_list::cortana_core_db, evidence_kind::ese_database,
+     "/LocalState/ESEDatabase_CortanaCoreInstance/CortanaCoreDb.dat",
+     "time_reminders place_reminders contact_triggers"},
+    {source_list::speech, evidence_kind::folder_tree, "/LocalState/LocalRecorder/Speech/", "latest_audio_search"},
+    {source_list::graph, evidence_kind::folder_tree, "/LocalState/Graph/", "graphed_cache"},
 };
 
 // Calls visit for each of them.

@@ -18,7 +18,7 @@ public:
 
 private:
     struct free_context {
-        void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
+        void operator()(EVP_MD_CTX* freed) const { EVP_MD_CTX_free(freed); }
     };
     std::unique_ptr<EVP_MD_CTX, free_context> context;
     bool failed = false;

@@ -114,7 +114,7 @@ private Q_SLOTS:
         constexpr const char* attribute = "user.crtime_be";
         QCOMPARE(birth_time_in_attribute(path, attribute), qint64(0));
         if (::setxattr(path.constData(), attribute, value.constData(), size_t(value.size()), 0) != 0) {
-            QSKIP("the file system of the temporary folder takes no extended attributes");
+            QSKIP("the file system of the temporary folder takes no extended attributes", 0);
         }
         QTEST(birth_time_in_attribute(path, attribute), "seconds");
         QCOMPARE(::removexattr(path.constData(), attribute), 0);
