@@ -36,6 +36,14 @@ void write_datum(QXmlStreamWriter& xml, const QString& name, const QString& valu
     xml.writeEndElement();
 }
 
+// The instant in UTC and, where one was asked for, in a time zone.
+void write_time(QXmlStreamWriter& xml, const QString& name, const export_time& time, bool with_zone) {
+    write_datum(xml, name + QStringLiteral("_utc"), QLatin1String(time.utc.data()));
+    if (with_zone) {
+        write_datum(xml, name + QStringLiteral("_local"), QLatin1String(time.in_zone.data()));
+    }
+}
+
 // Every column that says something.
 void write_data(QXmlStreamWriter& xml, const export_row& row) {
     xml.writeStartElement(QStringLiteral("ExtendedData"));
@@ -45,10 +53,7 @@ void write_data(QXmlStreamWriter& xml, const export_row& row) {
         const QString name = QLatin1String(column.name);
         const bool is_time = column.kind == column_kind::time;
         if (is_time && row.times[i].is_time) {
-            write_datum(xml, name + QStringLiteral("_utc"), QLatin1String(row.times[i].utc.data()));
-            if (row.table.with_zone) {
-                write_datum(xml, name + QStringLiteral("_local"), QLatin1String(row.times[i].in_zone.data()));
-            }
+            write_time(xml, name, row.times[i], row.table.with_zone);
         }
         const QString text = shown_text(row.cells[i]);
         if (!text.isEmpty()) {
