@@ -43,7 +43,10 @@ QStringList wanted_tables(const evidence_record& record, const QStringList& sele
             wanted << QLatin1String(table.name);
         }
     }
-    return wanted.isEmpty() ? wanted : QStringList{QStringLiteral("Triggers"), QStringLiteral("Reminders")} + wanted;
+    if (!wanted.isEmpty()) {
+        wanted = QStringList{QStringLiteral("Triggers"), QStringLiteral("Reminders")} + wanted;
+    }
+    return wanted;
 }
 
 QString rows_of(qint64 rows, const QString& table) {
