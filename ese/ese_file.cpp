@@ -76,7 +76,7 @@ ese::file_handle ese::open_file(const QByteArray& path) {
                                   LIBBFIO_FLAG_IO_HANDLE_MANAGED, nullptr) != success) {
         return nullptr;
     }
-    input.release(); // freed with handle
+    static_cast<void>(input.release()); // freed with handle
     close_file closer{std::unique_ptr<libbfio_handle_t, free_input>(handle)};
     libesedb_file_t* file = nullptr;
     if (libesedb_file_initialize(&file, nullptr) != success) {

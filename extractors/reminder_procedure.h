@@ -58,6 +58,23 @@ struct reminder_walk {
 
 void walk_reminders(step_run& run, const reminder_walk& walk, specific_table& reader, const QStringList& files);
 
+// Moves a list of triggers to the two stores of reminder_walk.
+template <class Trigger>
+void pack_triggers(const reminder_step<Trigger>& step, QList<Trigger>& triggers, packed_rows& ids,
+                   packed_rows& values) {
+    for (const Trigger& trigger : qAsConst(triggers)) {
+        QVector<QVariant> kept;
+        for (const reminder_column<Trigger>& column : step.columns) {
+            if (column.value != from_reminder) {
+                kept.append(column.value(trigger));
+            }
+        }
+        ids.append({trigger.id, !trigger.lookup_key.isEmpty()});
+        values.append(kept);
+    }
+    triggers.clear();
+}
+
 // Runs the whole step over files. The reader lives in the owner's member while the step runs.
 template <class Reader, class Trigger>
 void run_reminder_step(const step_context& context, const reminder_step<Trigger>& step, std::unique_ptr<Reader>& reader,
@@ -69,18 +86,7 @@ void run_reminder_step(const step_context& context, const reminder_step<Trigger>
             walk.is_from_reminder.append(column.value == from_reminder);
         }
         walk.keep_triggers = [&](packed_rows& ids, packed_rows& values) {
-            QList<Trigger>& triggers = (*reader).*step.triggers;
-            for (const Trigger& trigger : qAsConst(triggers)) {
-                QVector<QVariant> kept;
-                for (const reminder_column<Trigger>& column : step.columns) {
-                    if (column.value != from_reminder) {
-                        kept.append(column.value(trigger));
-                    }
-                }
-                ids.append({trigger.id, !trigger.lookup_key.isEmpty()});
-                values.append(kept);
-            }
-            triggers.clear();
+            pack_triggers(step, (*reader).*step.triggers, ids, values);
         };
         walk_reminders(run, walk, *reader, files);
         reader.reset();

@@ -33,7 +33,8 @@ quint32 number_from(const QJsonObject& object, const char* name) {
 
 QStringList texts_from(const QJsonObject& object, const char* name) {
     QStringList texts;
-    for (const auto& text : object[key(name)].toArray()) {
+    const QJsonArray list = object[key(name)].toArray();
+    for (const QJsonValue& text : list) {
         if (texts.size() < most_listed) {
             texts.append(text.toString());
         }
@@ -93,14 +94,16 @@ ese_health ese_from(const QJsonObject& object) {
     health.unwritten_pages = count_from(object, "unwritten_pages");
     health.damaged_pages = count_from(object, "damaged_pages");
     health.are_tables_known = object[key("tables_known")].toBool();
-    for (const auto& value : object[key("first_damaged")].toArray()) {
+    const QJsonArray damaged = object[key("first_damaged")].toArray();
+    for (const QJsonValue& value : damaged) {
         const QJsonObject page = value.toObject();
         if (health.damaged.size() < most_listed) {
             health.damaged.append({number_from(page, "number"), text_from(page, "table"), text_from(page, "part"),
                                    text_from(page, "reason")});
         }
     }
-    for (const auto& value : object[key("tables")].toArray()) {
+    const QJsonArray tables = object[key("tables")].toArray();
+    for (const QJsonValue& value : tables) {
         const QJsonObject table = value.toObject();
         if (health.tables.size() < most_listed) {
             health.tables.append({text_from(table, "name"), 0, 0, count_from(table, "rows"),

@@ -72,13 +72,14 @@ verification verify_run(const QString& record_file, const QString& source) {
     const QJsonArray all_written = record[QStringLiteral("written")].toArray();
     const QDir recorded_folder = QFileInfo(all_written.at(0)[QStringLiteral("path")].toString()).dir();
     const QDir folder = QFileInfo(record_file).dir();
-    for (const auto& written : all_written) {
+    for (const QJsonValue& written : all_written) {
         const QString path = written[QStringLiteral("path")].toString();
         const QString moved = QDir::cleanPath(folder.absoluteFilePath(recorded_folder.relativeFilePath(path)));
         look_at(QFile::exists(moved) ? moved : path, written.toObject());
     }
     const QString recorded_source = record[QStringLiteral("source")].toString();
-    for (const auto& evidence : record[QStringLiteral("evidence")].toArray()) {
+    const QJsonArray all_evidence = record[QStringLiteral("evidence")].toArray();
+    for (const QJsonValue& evidence : all_evidence) {
         const QString path = evidence[QStringLiteral("path")].toString();
         if (!source.isEmpty()) {
             const bool is_below = path.startsWith(recorded_source);

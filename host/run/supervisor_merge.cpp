@@ -23,7 +23,7 @@ bool append_log(const QString& from, const QString& to) {
         return false;
     }
     QByteArray last;
-    constexpr qint64 at_once = 1024 * 1024;
+    constexpr qint64 at_once = qint64{1024} * 1024;
     for (QByteArray part = source.read(at_once); !part.isEmpty(); part = source.read(at_once)) {
         if (log.write(part) != part.size()) {
             return false;

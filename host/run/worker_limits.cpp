@@ -18,7 +18,7 @@ QByteArray proc_entry(pid_t process, const char* name) {
 }
 
 QString bytes_in_words(qint64 bytes) {
-    constexpr qint64 mebibyte = 1024 * 1024;
+    constexpr qint64 mebibyte = qint64{1024} * 1024;
     return bytes % mebibyte == 0 ? QStringLiteral("%1 MiB").arg(bytes / mebibyte)
                                  : QStringLiteral("%1 bytes").arg(bytes);
 }

@@ -33,7 +33,7 @@ QJsonArray to_json(const QVector<finding>& findings) {
 // Into a report through its own door, which keeps a bounded number of them.
 template <class Add>
 void take_findings(const QJsonArray& list, const Add& add) {
-    for (const auto& one : list) {
+    for (const QJsonValue& one : list) {
         add(one.toArray().at(0).toString(), one.toArray().at(1).toString());
     }
 }
@@ -69,7 +69,7 @@ QJsonObject to_json(const sandbox_state& state) {
             {key("note"), state.note}};
 }
 
-protection protection_from(const auto& value) {
+protection protection_from(const QJsonValue& value) {
     const int number = value.toInt(-1);
     const bool known = number >= static_cast<int>(protection::off) && number <= static_cast<int>(protection::failed);
     return known ? static_cast<protection>(number) : protection::failed;
@@ -85,9 +85,10 @@ sandbox_state sandbox_from(const QJsonObject& object) {
     return state;
 }
 
-QStringList texts_from(const auto& list) {
+QStringList texts_from(const QJsonValue& list) {
     QStringList texts;
-    for (const auto& text : list.toArray()) {
+    const QJsonArray array = list.toArray();
+    for (const QJsonValue& text : array) {
         texts.append(text.toString());
     }
     return texts;
@@ -97,7 +98,7 @@ QJsonValue ticks_or_null(const std::optional<qint64>& ticks) { // beyond what a 
     return ticks ? QJsonValue(QString::number(*ticks)) : QJsonValue();
 }
 
-std::optional<qint64> ticks_from(const auto& value) {
+std::optional<qint64> ticks_from(const QJsonValue& value) {
     bool is_number = false;
     const qint64 ticks = value.toString().toLongLong(&is_number);
     return is_number ? std::optional(ticks) : std::nullopt;
@@ -170,7 +171,8 @@ worker_request request_from(const QByteArray& bytes) {
     const QJsonObject object = QJsonDocument::fromJson(bytes).object();
     worker_request request;
     request.source_root = object[key("source_root")].toString();
-    for (const auto& account : object[key("accounts")].toArray()) {
+    const QJsonArray accounts = object[key("accounts")].toArray();
+    for (const QJsonValue& account : accounts) {
         request.accounts.append({account.toArray().at(0).toString(), account.toArray().at(1).toString()});
     }
     request.check = object[key("check")].toBool();
