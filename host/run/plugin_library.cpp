@@ -13,7 +13,7 @@ namespace {
 QString library_beside_program() {
     const QString folder = QCoreApplication::applicationDirPath();
     const QString beside = folder + QStringLiteral("/libcortana.so");
-    return QFileInfo::exists(beside) ? beside : folder + QStringLiteral("/../lib/cortana/libcortana.so");
+    return QFileInfo::exists(beside) ? beside : folder + QStringLiteral("/" INSTALLED_PLUGIN);
 }
 
 } // namespace
