@@ -4,7 +4,7 @@ include(CMakePackageConfigHelpers)
 
 set(CORTANA_PLUGIN_DIR ${CMAKE_INSTALL_LIBDIR}/cortana)
 install(TARGETS cortana_host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(TARGETS cortana LIBRARY DESTINATION ${CORTANA_PLUGIN_DIR})
+install(TARGETS cortana cortana_stage RUNTIME DESTINATION ${CORTANA_PLUGIN_DIR} LIBRARY DESTINATION ${CORTANA_PLUGIN_DIR})
 install(FILES contract/host_interface.h contract/host_records.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cortana/contract)
 

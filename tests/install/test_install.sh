@@ -18,6 +18,9 @@ fail() { echo "FAIL: $*" >&2; exit 1; }
 rows_of() { "$stage/bin/cortana" rows --tables searches,cookies "$1" | grep -E 'system_user: anna '; }
 wanted=$(rows_of "$work/by_program")
 [ -n "$wanted" ] || fail "the installed program found nothing"
+tar -C "$work/source" -czf "$work/source.tgz" .
+"$stage/bin/cortana" extract --quiet "$work/source.tgz" "$work/by_archive"
+"$stage/bin/cortana" diff --tables searches,cookies,time_reminders "$work/by_program" "$work/by_archive" || fail "the installed program reads an archive otherwise"
 
 check_host() { # NAME PLUGIN: the host of this name, with the plugin that its way of finding it tells
     [ -f "$2" ] || fail "$1: there is no plugin $2"
