@@ -78,7 +78,7 @@ int run_check_command(const extract_options& options) {
     if (!open_examined(options, source, staging, examined, code)) {
         return code;
     }
-    const QList<system_account> accounts = choose_profiles(options, examined.root, summary.health, code);
+    const QList<system_account> accounts = choose_profiles(options, examined, summary.health, code);
     if (accounts.isEmpty()) {
         return code;
     }

@@ -126,7 +126,7 @@ QList<system_account> open_profiles(const extract_options& options, const QByteA
         take_back_output(summary.output, made);
         return {};
     }
-    const QList<system_account> accounts = choose_profiles(options, examined.root, summary.health, code);
+    const QList<system_account> accounts = choose_profiles(options, examined, summary.health, code);
     if (accounts.isEmpty() || !prepare_output(summary.output, lock, code)) {
         return {};
     }

@@ -4,12 +4,10 @@
 
 #include "host/run/worker_protocol.h"
 
-#include <functional>
-
-using message_sender = std::function<void(const worker_message& message)>;
-
 // Call it confined: hostile bytes go through image and archive libraries here. Sends all but the last message.
-void stage_source_of(const worker_request& request, const message_sender& send);
+// asked_for: waits for the paths that rows name; called when everything else is done.
+void stage_source_of(const worker_request& request, const std::function<QVector<QByteArray>()>& asked_for,
+                     const message_sender& send);
 
 // Files that the worker has to open, and the folder whose names it has to know. Reads the begin and the end of the
 // files; call it before the process is confined.

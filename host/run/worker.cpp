@@ -14,6 +14,7 @@
 #include "host/run/process_limits.h"
 #include "host/run/runtime_paths.h"
 #include "host/run/staging_worker.h"
+#include "host/run/survey_worker.h"
 #include "host/run/worker_links.h"
 #include "host/run/worker_protocol.h"
 #include "source/real_location.h"
@@ -30,7 +31,20 @@
 
 namespace {
 
-QByteArray everything_from(int descriptor) {
+// A pipe's next bytes to the end of a line, which is taken too, or to the pipe's end.
+QByteArray line_from(int descriptor) {
+    QByteArray line;
+    char byte = 0;
+    for (ssize_t got = 0; byte != '\n' && (got = ::read(descriptor, &byte, 1)) != 0;) {
+        if (got < 0 && errno != EINTR) {
+            break;
+        }
+        line.append(&byte, static_cast<int>(std::max<ssize_t>(got, 0)));
+    }
+    return line;
+}
+
+QByteArray rest_of(int descriptor) {
     QByteArray all;
     char part[65536];
     for (ssize_t got = 0; (got = ::read(descriptor, part, sizeof part)) != 0;) {
@@ -79,7 +93,10 @@ sandbox_state confine(const worker_request& request) {
     if (request.staging.wanted) {
         allow_source_files(request, plan);
     } else {
-        plan.readable << QFile::encodeName(request.source_root) << QFile::encodeName(QFileInfo(request.library).path());
+        plan.readable << QFile::encodeName(request.source_root);
+    }
+    if (!request.library.isEmpty()) {
+        plan.readable << QFile::encodeName(QFileInfo(request.library).path());
     }
     if (!request.folder.isEmpty()) {
         plan.writable << QFile::encodeName(request.folder);
@@ -138,8 +155,13 @@ private:
 };
 
 int work(const worker_request& request, const message_pipe& pipe) {
+    const message_sender send = [&](const worker_message& message) { pipe.send(message); };
     if (request.staging.wanted) {
-        stage_source_of(request, [&](const worker_message& message) { pipe.send(message); });
+        stage_source_of(
+            request, [] { return paths_from(rest_of(STDIN_FILENO)); }, send);
+    }
+    if (request.survey) {
+        survey_staged(request, send);
     }
     if (request.check) {
         pipe.send(check(request, pipe));
@@ -174,7 +196,7 @@ int run_worker(int argc, char** argv) {
     }
     forbid_core_files();
     be_ended_first();
-    const worker_request request = request_from(everything_from(STDIN_FILENO));
+    const worker_request request = request_from(line_from(STDIN_FILENO));
     const message_pipe pipe;
     worker_message confined;
     confined.what = worker_message::confined;

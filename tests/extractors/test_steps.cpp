@@ -264,9 +264,9 @@ private Q_SLOTS:
         run_reminder_step<timetriggers, specific_table::struct_time_triggers_data>(
             context, {texts, none, none, &specific_table::list_time_triggers_data, {}}, reminder_reader, {});
         std::unique_ptr<specific_table> webcache_reader;
-        run_webcache_step<cookies>(context, {texts, none, nullptr, nullptr}, webcache_reader, {});
+        run_webcache_step<cookies>(context, {texts, {"", "", nullptr}, nullptr}, webcache_reader, {});
         std::unique_ptr<search_from_com> walker;
-        run_search_step(context, {texts, "", nullptr, nullptr, nullptr}, walker, {});
+        run_search_step(context, {texts, com_rule}, walker, {});
         QVERIFY(!reminder_reader && !webcache_reader && !walker);
     }
 
