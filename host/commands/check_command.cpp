@@ -49,7 +49,7 @@ QByteArray as_json(const run_summary& summary, int code) {
         files.append(to_json(file));
     }
     for (const char* const of_a_run : {"database", "debug_log", "rows", "rows_added", "runs", "sources_found",
-                                       "failures", "first_failures", "output_troubles"}) {
+                                       "failures", "first_failures", "staged_copies", "output_troubles"}) {
         document.remove(QLatin1String(of_a_run));
     }
     document.insert(QStringLiteral("exit_code"), code);

@@ -110,8 +110,8 @@ QList<system_account> staged_profiles(const staging_outcome& staged, health_repo
 
 QString why_no_profiles(const extract_options& options, const examined_source& source, bool has_users) {
     return source.is_staged ? QStringLiteral("the source %1 holds no profile").arg(options.source)
-           : has_users      ? QStringLiteral("%1 holds no profile").arg(shown_path(source.root) + QStringLiteral("/Users"))
-                            : QStringLiteral("the source %1 holds no folder Users").arg(options.source);
+           : has_users ? QStringLiteral("%1 holds no profile").arg(shown_path(source.root) + QStringLiteral("/Users"))
+                       : QStringLiteral("the source %1 holds no folder Users").arg(options.source);
 }
 
 } // namespace
@@ -133,7 +133,7 @@ QList<system_account> choose_profiles(const extract_options& options, const exam
     health_report all = findings;
     all.add(source.staging.findings);
     say_findings(all, options.quiet);
-    code = all.problem_count > 0 ? exit_failures
-                                 : refuse(exit_nothing_found, why_no_profiles(options, source, has_users));
+    code =
+        all.problem_count > 0 ? exit_failures : refuse(exit_nothing_found, why_no_profiles(options, source, has_users));
     return {};
 }

@@ -127,7 +127,7 @@ private:
             return true;
         }
         const auto is_above = [&](const QByteArray& folder) { // at least one name
-            return folder.isEmpty() || path.startsWith(folder + '/');
+            return folder.isEmpty() ? !path.isEmpty() : path.startsWith(folder + '/');
         };
         while (!way.isEmpty() && !is_above(way.last().path)) {
             way.removeLast();

@@ -44,7 +44,8 @@ void rename(QString& path, const source_names& names, const QVector<staged_file>
 void tell_if_changed(const evidence_record& copied, const QByteArray& read, health_report& health) {
     const QByteArray& copy = copied.sha256_with_logs.isEmpty() ? copied.sha256 : copied.sha256_with_logs;
     if (!read.isEmpty() && read != copy) {
-        health.add_problem(copied.path, QStringLiteral("its copy was changed after it was made: do not rely on its rows"));
+        health.add_problem(copied.path,
+                           QStringLiteral("its copy was changed after it was made: do not rely on its rows"));
     }
 }
 

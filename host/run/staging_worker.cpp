@@ -186,8 +186,8 @@ void stage_names(const worker_request& request, opened_source& opened, const QVe
     send_findings(result.findings, send);
 }
 
-void stage_opened(const worker_request& request, opened_source& opened,
-                  const std::function<QVector<QByteArray>()>& asked_for, const message_sender& send) {
+void stage_opened(const worker_request& request, opened_source& opened, const answer_reader& answer,
+                  const message_sender& send) {
     health_report findings = opened.findings;
     const QVector<QByteArray> profiles = profiles_of(request, opened, findings);
     worker_message next;
@@ -204,24 +204,22 @@ void stage_opened(const worker_request& request, opened_source& opened,
     if (stage_parts(request, opened, profiles, limit, send)) {
         next.what = worker_message::waiting;
         send(next);
-        stage_names(request, opened, asked_for(), limit, send);
+        stage_names(request, opened, answer(), limit, send);
     }
 }
 
-} // namespace
-
-void stage_source_of(const worker_request& request, const std::function<QVector<QByteArray>()>& asked_for,
-                     const message_sender& send) {
+int stage_source_of(const worker_request& request, const message_sender& send, const answer_reader& answer) {
     opened_source opened = open_source(QFile::encodeName(request.source_root), options_of(request.staging));
     if (opened.view) {
-        stage_opened(request, opened, asked_for, send);
-        return;
+        stage_opened(request, opened, answer, send);
+        return exit_complete;
     }
     worker_message refused;
     refused.what = worker_message::refused;
     refused.text = words_of(opened);
     refused.number = exit_code_for(opened.refusal);
     send(refused);
+    return exit_complete;
 }
 
 void allow_source_files(const worker_request& request, sandbox_plan& plan) {
@@ -233,3 +231,7 @@ void allow_source_files(const worker_request& request, sandbox_plan& plan) {
     plan.readable += source_files(source);
     plan.listable.append(source.left(source.lastIndexOf('/') + 1)); // segments stand beside each other
 }
+
+} // namespace
+
+const worker_task staging_task{allow_source_files, stage_source_of};
