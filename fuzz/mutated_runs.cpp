@@ -21,7 +21,6 @@
 
 namespace {
 
-constexpr int profiles_a_source = 24;
 constexpr const char* sound_name = "sound0000";
 
 int below(random_source& random, int bound) {
@@ -258,7 +257,7 @@ QHash<QString, QStringList> rows_by_profile(const QString& database) {
     return rows;
 }
 
-mutation_result run_mutated_sources(const QString& program, const QString& folder, int rounds) {
+mutation_result run_mutated_sources(const QString& program, const QString& folder, int rounds, int mutated_a_source) {
     mutation_result result;
     for (const mutated_file& file : mutated_files) {
         for (const mutation& how : mutations) {
@@ -275,7 +274,7 @@ mutation_result run_mutated_sources(const QString& program, const QString& folde
             const auto number = static_cast<int>(waiting.size()) + 1;
             waiting.push_back({QStringLiteral("other%1").arg(number, 4, 10, QLatin1Char('0')), &counts,
                                static_cast<unsigned>(round)});
-            if (waiting.size() == profiles_a_source) {
+            if (static_cast<int>(waiting.size()) == mutated_a_source) {
                 runs.take(waiting, result);
                 waiting.clear();
             }

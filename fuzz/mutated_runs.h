@@ -50,6 +50,6 @@ struct mutation_result {
     QStringList suspicious; // seeds to look at
 };
 
-// Mutates every kind of file in every way `rounds` times and runs the program over them, some profiles a source, below
-// the folder, which must be empty. Files of suspicious seeds are left there.
-mutation_result run_mutated_sources(const QString& program, const QString& folder, int rounds);
+// Mutates every kind of file in every way `rounds` times and runs the program over them, so many a source beside a
+// sound profile (1 or more), below the folder, which must be empty. Files of suspicious seeds are left there.
+mutation_result run_mutated_sources(const QString& program, const QString& folder, int rounds, int mutated_a_source);

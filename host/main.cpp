@@ -12,7 +12,7 @@
 #include "host/exit_codes.h"
 #include "host/record/versions.h"
 #include "host/run/cancellation.h"
-#include "host/run/worker.h"
+#include "host/run/profile_worker.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -77,7 +77,7 @@ int main(int argc, char** argv) {
         take_qt_messages(true); // Qt's remarks about a missing session are no concern of the user's
         hold_cancel_signals();
         if (argc > 1 && std::strcmp(argv[1], worker_word) == 0) {
-            return run_worker(argc, argv);
+            return run_worker(argc, argv, profile_task);
         }
         char program[] = "cortana";
         char* only_program[] = {argc > 0 ? argv[0] : program, nullptr};

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The words of the commands "extract" and "check".
+// The words of the commands that read evidence.
 #pragma once
 
-#include "host/commands/options.h"
+#include "host/commands/option_words.h"
 
-// arguments: as for read_command_line(), but that the command's name is known to follow the program's.
-command_line read_extract(const QStringList& arguments);
-command_line read_check(const QStringList& arguments);
+// words: taken, that is, without an answer of their own.
+command_line read_extract(const command_words& words);
+command_line read_check(const command_words& words);

@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: MIT
-// Implementation of what all commands read alike.
+// A parser fed from the table, and the judgement of what it found.
 #include "host/commands/option_words.h"
 
-#include "contract/table_names.h"
-#include "host/nearest_name.h"
+#include "host/commands/help_text.h"
+#include "host/commands/option_values.h"
+#include "host/run/process_limits.h"
 
-#include <QCommandLineParser>
+#include <algorithm>
 
 namespace {
 
-const QString help_name = QStringLiteral("help");
-const QString version_name = QStringLiteral("version");
+QCommandLineOption described(const option_entry& option) {
+    QStringList names = option.all_names();
+    std::rotate(names.begin(), names.begin() + 1, names.end()); // letters first, as help texts have them
+    return {names, option.help_text(), QString::fromUtf8(option.value)};
+}
 
 } // namespace
 
@@ -33,52 +37,106 @@ command_line versions_answer() {
     return answer;
 }
 
-void add_common_options(QCommandLineParser& parser) {
-    parser.addOption({{QStringLiteral("h"), help_name}, QStringLiteral("Shows this help.")});
-    parser.addOption({{QStringLiteral("v"), version_name},
-                      QStringLiteral("Shows the versions of this program and of the libraries it works with.")});
-}
-
-bool asks_for_help(const QCommandLineParser& parser) {
-    return parser.isSet(help_name);
-}
-
-bool asks_for_versions(const QCommandLineParser& parser) {
-    return parser.isSet(version_name);
-}
-
-std::optional<command_line> settle_words(QCommandLineParser& parser, const QStringList& arguments, int paths,
-                                         const char* taken, const char* examples) {
-    const bool understood = parser.parse(arguments);
-    const QStringList words = parser.positionalArguments();
-    if (asks_for_help(parser)) {
-        return help_answer(parser.helpText() + QLatin1String(examples));
+void add_general_options(QCommandLineParser& parser) {
+    for (const option_entry& option : option_table()) {
+        if (option.is_general()) {
+            parser.addOption(described(option));
+        }
     }
-    if (asks_for_versions(parser)) {
+}
+
+command_words::command_words(const command_entry& read_command, const QStringList& arguments)
+    : command(read_command), typed(arguments.mid(1)) {
+    describe();
+    settled = judge(arguments);
+}
+
+void command_words::describe() {
+    parser.setApplicationDescription(QString::fromUtf8(command.description));
+    parser.addPositionalArgument(QString::fromUtf8(command.name), QStringLiteral("The command."));
+    for (const argument_entry& argument : command.arguments) {
+        parser.addPositionalArgument(QString::fromUtf8(argument.name), QString::fromUtf8(argument.help),
+                                     argument.shown());
+    }
+    for (const option_entry& option : option_table()) {
+        if (option.is_taken_by(command)) {
+            parser.addOption(described(option));
+        }
+    }
+}
+
+std::optional<command_line> command_words::judge(const QStringList& arguments) {
+    const bool understood = parser.parse(arguments);
+    if (has("help")) {
+        return help_answer(parser.helpText() + examples_text(command));
+    }
+    if (has("version")) {
         return versions_answer();
     }
     if (!understood) {
         return refusal(parser.errorText());
     }
-    if (words.size() != 1 + paths || words.contains(QString())) {
-        return refusal(QLatin1String(taken));
+    const QStringList values = given();
+    if (values.size() < command.fewest_arguments() || values.size() > command.most_arguments() ||
+        values.contains(QString())) {
+        return refusal(QString::fromUtf8(command.taken));
+    }
+    for (const option_entry& option : option_table()) {
+        const QString refused = option.is_taken_by(command) ? refused_option(option) : QString();
+        if (!refused.isEmpty()) {
+            return refusal(refused);
+        }
     }
     return std::nullopt;
 }
 
-QString read_tables(const QString& text, QStringList& tables) {
-    QStringList wanted = text.split(QLatin1Char(','));
-    for (QString& name : wanted) {
-        name = name.trimmed();
-        if (!result_table_names().contains(name)) {
-            return QStringLiteral("there is no table '%1'; did you mean '%2'?")
-                .arg(name, nearest_name(name, result_table_names()));
-        }
+QString command_words::refused_option(const option_entry& option) const {
+    const QStringList values = parser.values(option.long_name());
+    if (values.isEmpty() && option.use == value_use::required) {
+        const QString known = known_values(option).join(QStringLiteral(", "));
+        return QStringLiteral("--%1 is missing").arg(option.long_name()) +
+               (known.isEmpty() ? QString() : QStringLiteral(": ") + known);
     }
-    for (const QString& name : result_table_names()) {
-        if (wanted.contains(name)) {
-            tables.append(name);
+    for (const QString& value : values) {
+        const QString refused = refused_value(option, value);
+        if (!refused.isEmpty()) {
+            return refused;
         }
     }
     return {};
+}
+
+const option_entry& command_words::entry(const char* option) const {
+    const QVector<option_entry>& table = option_table();
+    return *std::find_if(table.begin(), table.end(), [&](const option_entry& one) {
+        return one.long_name() == QLatin1String(option) && one.is_taken_by(command);
+    });
+}
+
+bool command_words::has(const char* option) const {
+    return parser.isSet(QLatin1String(option));
+}
+
+QString command_words::text(const char* option) const {
+    return has(option) ? parser.value(QLatin1String(option)) : QString::fromUtf8(entry(option).standard);
+}
+
+QStringList command_words::texts(const char* option) const {
+    return parser.values(QLatin1String(option));
+}
+
+int command_words::number(const char* option) const {
+    return text(option).toInt();
+}
+
+qint64 command_words::size(const char* option) const {
+    return parse_size(text(option)).value_or(0);
+}
+
+QStringList command_words::names(const char* option) const {
+    const option_entry& described = entry(option);
+    if (!has(option)) {
+        return described.kind == value_kind::tables ? known_values(described) : QStringList();
+    }
+    return names_in(described, text(option));
 }

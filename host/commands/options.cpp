@@ -1,103 +1,59 @@
 // SPDX-License-Identifier: MIT
-// One parser for the words before the command, one for each command.
+// Finds the command among the words, and hands the rest to the function that reads it.
 #include "host/commands/options.h"
 
-#include "contract/table_names.h"
-#include "host/commands/export_options.h"
 #include "host/commands/extract_words.h"
+#include "host/commands/help_text.h"
 #include "host/commands/option_words.h"
+#include "host/commands/result_words.h"
 #include "host/nearest_name.h"
 
 #include <QCommandLineParser>
-#include <QMap>
 
-#include <optional>
+#include <algorithm>
 
 namespace {
 
-const QString tables_name = QStringLiteral("tables");
-
-QString general_help(const QString& program) {
-    return QStringLiteral("Usage: %1 COMMAND [options] ARGUMENTS\n"
-                          "Extracts the Cortana data of a Windows source into a SQLite database.\n"
-                          "\n"
-                          "Commands:\n"
-                          "  extract SOURCE RESULT  Extracts from the folder SOURCE (it holds Users/) into RESULT.\n"
-                          "  check SOURCE           Tells in which state the evidence is, and its digests.\n"
-                          "  verify RESULT [SOURCE] Tells what is no longer as the run's record says.\n"
-                          "  rows RESULT            Lists the rows of a result database.\n"
-                          "  export RESULT          Writes the rows in other formats beside the result database.\n"
-                          "  diff RUN1 RUN2         Tells how the rows of two result databases differ.\n"
-                          "  schema                 Tells what the tables and columns hold.\n"
-                          "  log FILE               Prints a debug log, deciphering it where it is enciphered.\n"
-                          "\n"
-                          "Options:\n"
-                          "  -h, --help             Shows this help; with a command, the command's own help.\n"
-                          "  -v, --version          Shows the versions of this program and of its libraries.\n"
-                          "\n"
-                          "Examples:\n"
-                          "  cortana extract /mnt/evidence /cases/c1\n"
-                          "  cortana rows --tables searches /cases/c1\n")
-        .arg(program);
+// The entry whose words the command line begins with; null when there is none.
+const command_entry* command_of(const QStringList& words) {
+    const QVector<command_entry>& table = command_table();
+    const auto found = std::find_if(table.begin(), table.end(), [&](const command_entry& command) {
+        return words.mid(0, command.words().size()) == command.words();
+    });
+    return found == table.end() ? nullptr : &*found;
 }
 
-command_line read_rows(const QStringList& arguments) {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Lists the rows of a result database, one line each."));
-    parser.addPositionalArgument(QStringLiteral("rows"), QStringLiteral("The command."));
-    parser.addPositionalArgument(QStringLiteral("RESULT"), QStringLiteral("The result folder, or the SQLite file."));
-    add_common_options(parser);
-    parser.addOption(
-        {tables_name, QStringLiteral("Lists these result tables only, separated by commas."), QStringLiteral("NAMES")});
-    if (const auto settled = settle_words(parser, arguments, 1, "rows takes one folder, RESULT")) {
-        return *settled;
-    }
-    command_line line;
-    line.what = command::rows;
-    line.rows.result = parser.positionalArguments().at(1);
-    if (!parser.isSet(tables_name)) {
-        line.rows.tables = result_table_names();
-        return line;
-    }
-    const QString refused = read_tables(parser.value(tables_name), line.rows.tables);
-    return refused.isEmpty() ? line : refusal(refused);
+QString listed(QStringList names) {
+    const QString last = names.takeLast();
+    return names.isEmpty() ? last : names.join(QStringLiteral(", ")) + QStringLiteral(" or ") + last;
 }
 
-command_line read_verify(const QStringList& arguments) {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Tells which files of a run are no longer what its record says. SOURCE: the folder where the\n"
-                       "evidence lies now; without it only what the run wrote is looked at."));
-    parser.addPositionalArgument(QStringLiteral("verify"), QStringLiteral("The command."));
-    parser.addPositionalArgument(QStringLiteral("RESULT"), QStringLiteral("The result folder, or a run record."));
-    parser.addPositionalArgument(QStringLiteral("SOURCE"), QStringLiteral("The source."), QStringLiteral("[SOURCE]"));
-    add_common_options(parser);
-    parser.addOption({QStringLiteral("json"), QStringLiteral("Prints the findings as one JSON document.")});
-    parser.parse(arguments);
-    const int paths = parser.positionalArguments().size() == 3 ? 2 : 1;
-    if (const auto settled = settle_words(parser, arguments, paths, "verify takes RESULT and, if wanted, SOURCE")) {
-        return *settled;
+// No command stands at the beginning of these words.
+command_line refused_command(const QStringList& words) {
+    const QString first = words.value(0);
+    const bool is_group = !first.isEmpty() && !command_names(first).isEmpty();
+    const QStringList names = command_names(is_group ? first : QString());
+    if (words.size() < (is_group ? 2 : 1)) {
+        return refusal(QStringLiteral("a command is missing: ") + listed(names));
     }
-    command_line line;
-    line.what = command::verify;
-    line.verify = {parser.positionalArguments().at(1), parser.positionalArguments().value(2),
-                   parser.isSet(QStringLiteral("json"))};
-    return line;
+    const QString typed = is_group ? first + QLatin1Char(' ') + words.at(1) : first;
+    return refusal(
+        QStringLiteral("there is no command '%1'; did you mean '%2'?").arg(typed, nearest_name(typed, names)));
 }
 
-command_line read_log(const QStringList& arguments) {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Prints a debug log, deciphering it where it is enciphered."));
-    parser.addPositionalArgument(QStringLiteral("log"), QStringLiteral("The command."));
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The debug log."));
-    add_common_options(parser);
-    if (const auto settled = settle_words(parser, arguments, 1, "log takes one file")) {
-        return *settled;
-    }
-    command_line line;
-    line.what = command::log;
-    line.log_file = parser.positionalArguments().at(1);
-    return line;
+command_line read_by_command(const command_words& words, const QString& name) {
+    using reader = command_line (*)(const command_words&);
+    static const QMap<QString, reader> readers{
+        {QStringLiteral("extract"), read_extract}, {QStringLiteral("check"), read_check},
+        {QStringLiteral("verify"), read_verify},   {QStringLiteral("rows"), read_rows},
+        {QStringLiteral("export"), read_export},   {QStringLiteral("diff"), read_diff},
+        {QStringLiteral("schema"), read_schema},   {QStringLiteral("log"), read_log},
+    };
+    return readers.value(name)(words);
+}
+
+bool asks_for_help(const QStringList& words) {
+    return words.contains(QStringLiteral("--help")) || words.contains(QStringLiteral("-h"));
 }
 
 } // namespace
@@ -110,30 +66,24 @@ command_line read_command_line(const QStringList& arguments) {
     }
     QCommandLineParser parser;
     parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
-    add_common_options(parser);
+    add_general_options(parser);
     if (!parser.parse(arguments)) {
         return refusal(parser.errorText());
     }
     const QStringList words = parser.positionalArguments();
-    if (asks_for_help(parser)) {
-        return help_answer(general_help(arguments.first()));
+    if (parser.isSet(QStringLiteral("help"))) {
+        return help_answer(general_help(arguments.first(), {}));
     }
-    if (asks_for_versions(parser)) {
+    if (parser.isSet(QStringLiteral("version"))) {
         return versions_answer();
     }
-    if (words.isEmpty()) {
-        return refusal(
-            QStringLiteral("a command is missing: extract, check, verify, rows, export, diff, schema or log"));
+    const command_entry* const command = command_of(words);
+    if (command == nullptr) {
+        const QString group = words.value(0);
+        return asks_for_help(words) && !command_names(group).isEmpty()
+                   ? help_answer(general_help(arguments.first(), group))
+                   : refused_command(words);
     }
-    const QMap<QString, command_line (*)(const QStringList&)> commands{
-        {QStringLiteral("check"), read_check},   {QStringLiteral("diff"), read_diff},
-        {QStringLiteral("export"), read_export}, {QStringLiteral("extract"), read_extract},
-        {QStringLiteral("log"), read_log},       {QStringLiteral("rows"), read_rows},
-        {QStringLiteral("schema"), read_schema}, {QStringLiteral("verify"), read_verify},
-    };
-    if (!commands.contains(words.first())) {
-        return refusal(QStringLiteral("there is no command '%1'; did you mean '%2'?")
-                           .arg(words.first(), nearest_name(words.first(), commands.keys())));
-    }
-    return commands.value(words.first())(arguments);
+    const command_words read(*command, arguments);
+    return read.answer() ? *read.answer() : read_by_command(read, QString::fromUtf8(command->name));
 }

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Ownership of the handles of libtsk, libarchive and libcrypto. The only place that names one of their free or close
+// Ownership of the handles of libtsk and libarchive. The only place that names one of their free or close
 // calls.
 #pragma once
 
 #include <archive.h>
 #include <archive_entry.h>
 #include <memory>
-#include <openssl/evp.h>
 #include <tsk/libtsk.h>
 
 namespace intake {
@@ -29,9 +28,6 @@ struct close_image_file {
 struct free_archive {
     void operator()(archive* reader) const { archive_read_free(reader); }
 };
-struct free_digest {
-    void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
-};
 
 using image_handle = std::unique_ptr<TSK_IMG_INFO, close_image>;
 using partitions_handle = std::unique_ptr<TSK_VS_INFO, close_partitions>;
@@ -39,6 +35,5 @@ using file_system_handle = std::unique_ptr<TSK_FS_INFO, close_file_system>;
 using image_folder_handle = std::unique_ptr<TSK_FS_DIR, close_image_folder>;
 using image_file_handle = std::unique_ptr<TSK_FS_FILE, close_image_file>;
 using archive_handle = std::unique_ptr<archive, free_archive>;
-using digest_handle = std::unique_ptr<EVP_MD_CTX, free_digest>;
 
 } // namespace intake

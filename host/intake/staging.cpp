@@ -2,31 +2,13 @@
 // A copy counts only when the bytes that were written, read back, have the digest of those that were read.
 #include "host/intake/staging.h"
 
-#include "host/intake/handles.h"
+#include "host/health/sha256.h"
 #include "host/intake/names.h"
 #include "host/intake/staging_folder.h"
 #include "source/native_names.h"
 
 namespace intake {
 namespace {
-
-class sha256 {
-public:
-    sha256() : context(EVP_MD_CTX_new()), usable(EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) == 1) {}
-    void add(const char* bytes, qint64 count) {
-        usable = usable && EVP_DigestUpdate(context.get(), bytes, static_cast<size_t>(count)) == 1;
-    }
-    QByteArray value() { // null when it could not be made
-        unsigned char digest[EVP_MAX_MD_SIZE];
-        unsigned size = 0;
-        usable = usable && EVP_DigestFinal_ex(context.get(), digest, &size) == 1;
-        return usable ? QByteArray(reinterpret_cast<const char*>(digest), static_cast<int>(size)) : QByteArray();
-    }
-
-private:
-    digest_handle context;
-    bool usable;
-};
 
 // Null when the file cannot be read back.
 QByteArray digest_of(const staging_folder& folder, const QByteArray& path) {
@@ -42,9 +24,9 @@ QByteArray digest_of(const staging_folder& folder, const QByteArray& path) {
             return {};
         }
         if (got == 0) {
-            return digest.value();
+            return QByteArray::fromHex(digest.finish());
         }
-        digest.add(piece.constData(), got);
+        digest.take(piece.constData(), got);
         offset += got;
     }
 }
@@ -72,7 +54,7 @@ public:
         if (failed != 0 || !trouble.isEmpty() || is_cancelled()) {
             return false;
         }
-        digest.add(bytes, count);
+        digest.take(bytes, count);
         failed = write_all(file, bytes, count);
         return failed == 0;
     }
@@ -108,8 +90,8 @@ private:
         if (!trouble.isEmpty()) {
             return;
         }
-        const QByteArray expected = digest.value();
-        if (expected.isNull() || digest_of(folder, one.path) != expected) {
+        const QByteArray expected = QByteArray::fromHex(digest.finish());
+        if (expected.isEmpty() || digest_of(folder, one.path) != expected) {
             trouble = QStringLiteral("the copy that was read back is another one than was written");
             return;
         }

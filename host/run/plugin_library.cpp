@@ -2,25 +2,16 @@
 // dlopen(3) with local symbols, so that the plugin's own and the host's do not mix.
 #include "host/run/plugin_library.h"
 
-#include <QCoreApplication>
+#include "host/run/program_files.h"
+
 #include <QFile>
 #include <QFileInfo>
 
 #include <dlfcn.h>
 
-namespace {
-
-QString library_beside_program() {
-    const QString folder = QCoreApplication::applicationDirPath();
-    const QString beside = folder + QStringLiteral("/libcortana.so");
-    return QFileInfo::exists(beside) ? beside : folder + QStringLiteral("/../lib/cortana/libcortana.so");
-}
-
-} // namespace
-
 QString plugin_library_file(const QString& wished) {
     // A name without "/" would be looked for in the system's library folders.
-    return wished.isEmpty() ? library_beside_program() : QFileInfo(wished).absoluteFilePath();
+    return wished.isEmpty() ? program_file(QStringLiteral("libcortana.so")) : QFileInfo(wished).absoluteFilePath();
 }
 
 plugin_library load_plugin_library(const QString& file) {

@@ -146,19 +146,18 @@ void stage_opened(const worker_request& request, opened_source& opened, const me
     }
 }
 
-} // namespace
-
-void stage_source_of(const worker_request& request, const message_sender& send) {
+int stage_source_of(const worker_request& request, const message_sender& send) {
     opened_source opened = open_source(QFile::encodeName(request.source_root), options_of(request.staging));
     if (opened.view) {
         stage_opened(request, opened, send);
-        return;
+        return exit_complete;
     }
     worker_message refused;
     refused.what = worker_message::refused;
     refused.text = words_of(opened);
     refused.number = exit_code_for(opened.refusal);
     send(refused);
+    return exit_complete;
 }
 
 void allow_source_files(const worker_request& request, sandbox_plan& plan) {
@@ -170,3 +169,7 @@ void allow_source_files(const worker_request& request, sandbox_plan& plan) {
     plan.readable += source_files(source);
     plan.listable.append(source.left(source.lastIndexOf('/') + 1)); // segments stand beside each other
 }
+
+} // namespace
+
+const worker_task staging_task{allow_source_files, stage_source_of};

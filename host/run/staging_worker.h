@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What a worker does that stages: opens the source as what it is, copies what is wanted of it, applies hives' logs.
+// What a worker does that stages: opens the source as what it is, copies what is wanted of it, applies hives' logs. It
+// is a program of its own, because the libraries that read images bring three dozen others along, which every other
+// process would have to load.
 #pragma once
 
-#include "host/run/worker_protocol.h"
+#include "host/run/worker.h"
 
-#include <functional>
-
-using message_sender = std::function<void(const worker_message& message)>;
-
-// Call it confined: hostile bytes go through image and archive libraries here. Sends all but the last message.
-void stage_source_of(const worker_request& request, const message_sender& send);
-
-// Files that the worker has to open, and the folder whose names it has to know. Reads the begin and the end of the
-// files; call it before the process is confined.
-void allow_source_files(const worker_request& request, sandbox_plan& plan);
+// Opens of the source what it needs: the begin and the end of the files are read before the process is confined.
+extern const worker_task staging_task;

@@ -6,26 +6,16 @@
 #include "host/console.h"
 #include "host/environment.h"
 #include "host/exit_codes.h"
-#include "host/health/ese_probe.h"
-#include "host/health/source_health.h"
-#include "host/intake/newer_logs.h"
 #include "host/run/cancellation.h"
-#include "host/run/plugin_run.h"
 #include "host/run/process_limits.h"
 #include "host/run/runtime_paths.h"
-#include "host/run/staging_worker.h"
-#include "host/run/worker_links.h"
-#include "host/run/worker_protocol.h"
-#include "source/real_location.h"
 
 #include <QApplication>
 #include <QFile>
-#include <QFileInfo>
 
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
-#include <functional>
 #include <unistd.h>
 
 namespace {
@@ -61,112 +51,32 @@ public:
             sent += static_cast<int>(std::max<ssize_t>(wrote, 0));
         }
     }
-    void send_failure(const QString& text) const {
-        worker_message message;
-        message.what = worker_message::failed;
-        message.text = text;
-        send(message);
-    }
 
 private:
     int descriptor;
 };
 
-sandbox_state confine(const worker_request& request) {
+sandbox_state confine(const worker_request& request, const worker_task& task) {
     sandbox_plan plan;
     plan.landlock = plan.syscall_filter = request.sandbox;
     plan.readable = runtime_paths();
-    if (request.staging.wanted) {
-        allow_source_files(request, plan);
-    } else {
-        plan.readable << QFile::encodeName(request.source_root) << QFile::encodeName(QFileInfo(request.library).path());
-    }
+    task.allow(request, plan);
     if (!request.folder.isEmpty()) {
         plan.writable << QFile::encodeName(request.folder);
     }
     return confine_process(plan);
 }
 
-worker_message check(const worker_request& request, const message_pipe& pipe) {
+} // namespace
+
+worker_message failure_message(const QString& text) {
     worker_message message;
-    const QByteArray root = real_location(QFile::encodeName(request.source_root));
-    const std::function<bool()> cancelled = is_cancelled;
-    QVector<evidence_record> databases;
-    const auto pass_on = [&](const evidence_record& record) {
-        worker_message seen;
-        seen.what = worker_message::evidence;
-        seen.record = record;
-        if (record.health.hive) {
-            seen.record.health.notes += newer_log_notes(QFile::encodeName(record.path));
-        }
-        for (const QString& note : seen.record.health.notes.mid(record.health.notes.size())) {
-            message.health.add_note(record.path, note);
-        }
-        pipe.send(seen);
-        if (record.health.ese && record.health.problem.isEmpty()) {
-            databases.append(record);
-        }
-    };
-    source_health health(root, request.checked_tables, cancelled, message.health, pass_on);
-    for (const system_account& account : request.accounts) {
-        health.check_account(account);
-    }
-    message.what = worker_message::looked_over; // libesedb may end this process: what is known is told first
-    pipe.send(message);
-    for (const evidence_record& database : qAsConst(databases)) {
-        probe_ese_database(database, request.checked_tables, cancelled, message.health);
-    }
-    message.what = worker_message::checked;
+    message.what = worker_message::failed;
+    message.text = text;
     return message;
 }
 
-// Passes the plugin's signals on as messages.
-class message_relay : public plugin_listener {
-public:
-    explicit message_relay(const message_pipe& pipe) : out(pipe) {}
-    void rows_written(qint64 rows) override { tell(worker_message::rows, rows); }
-    void steps_done(int steps) override { tell(worker_message::step_done, steps); }
-
-private:
-    void tell(worker_message::kind what, qint64 number) const {
-        worker_message message;
-        message.what = what;
-        message.number = number;
-        out.send(message);
-    }
-    const message_pipe& out;
-};
-
-int work(const worker_request& request, const message_pipe& pipe) {
-    if (request.staging.wanted) {
-        stage_source_of(request, [&](const worker_message& message) { pipe.send(message); });
-    }
-    if (request.check) {
-        pipe.send(check(request, pipe));
-    }
-    if (!request.tables.isEmpty()) {
-        const plugin_library library = load_plugin_library(request.library);
-        if (library.create == nullptr) {
-            pipe.send_failure(QStringLiteral("the plugin cannot be loaded: ") + library.reason);
-            return exit_internal;
-        }
-        message_relay relay(pipe);
-        run_plugin(library, request, relay);
-    }
-    if (request.link && !is_cancelled() && write_worker_links(request)) {
-        worker_message linked;
-        linked.what = worker_message::linked;
-        pipe.send(linked);
-    }
-    worker_message ended;
-    ended.what = worker_message::ended;
-    pipe.send(ended);
-    return exit_complete;
-}
-
-} // namespace
-
-int run_worker(int argc, char** argv) {
+int run_worker(int argc, char** argv, const worker_task& task) {
     const pid_t supervisor = argc > 2 ? static_cast<pid_t>(std::atol(argv[2])) : 0;
     if (supervisor <= 0 || !die_with_parent(supervisor)) {
         say(QStringLiteral("a worker is started by cortana itself"));
@@ -178,10 +88,10 @@ int run_worker(int argc, char** argv) {
     const message_pipe pipe;
     worker_message confined;
     confined.what = worker_message::confined;
-    confined.sandbox = confine(request);
+    confined.sandbox = confine(request, task);
     pipe.send(confined);
     if (request.sandbox && confined.sandbox.has_failed()) {
-        pipe.send_failure(QStringLiteral("the worker cannot be confined: ") + confined.sandbox.note);
+        pipe.send(failure_message(QStringLiteral("the worker cannot be confined: ") + confined.sandbox.note));
         return exit_internal;
     }
     take_qt_messages(true); // Qt's remarks about a missing session are no concern of the user's
@@ -191,5 +101,11 @@ int run_worker(int argc, char** argv) {
     settle_file_name_encoding();
     take_qt_messages(false);
     take_cancel_signals();
-    return work(request, pipe);
+    const int code = task.work(request, [&pipe](const worker_message& message) { pipe.send(message); });
+    if (code == exit_complete) {
+        worker_message ended;
+        ended.what = worker_message::ended;
+        pipe.send(ended);
+    }
+    return code;
 }

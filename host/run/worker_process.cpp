@@ -4,6 +4,7 @@
 #include "host/run/worker_process.h"
 
 #include "host/run/cancellation.h"
+#include "host/run/program_files.h"
 #include "host/run/worker.h"
 
 #include <QCoreApplication>
@@ -50,7 +51,8 @@ void worker_process::begin() {
         environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
         setProcessEnvironment(environment);
     }
-    start(QCoreApplication::applicationFilePath(),
+    start(request.staging.wanted ? program_file(QStringLiteral("cortana-stage"))
+                                 : QCoreApplication::applicationFilePath(),
           {QLatin1String(worker_word), QString::number(QCoreApplication::applicationPid())});
     watch =
         std::make_unique<worker_watch>(static_cast<pid_t>(processId()),

@@ -12,7 +12,7 @@ class test_mutated_sources : public QObject {
 private Q_SLOTS:
     void damage_costs_its_profile_only_and_is_told() {
         const QTemporaryDir folder;
-        const mutation_result result = run_mutated_sources(QStringLiteral(HOST_PROGRAM), folder.path(), 2);
+        const mutation_result result = run_mutated_sources(QStringLiteral(HOST_PROGRAM), folder.path(), 2, 18);
         QCOMPARE(result.died, 0);
         QCOMPARE(result.wrong_sound, 0);
         int told = 0;
