@@ -11,8 +11,8 @@ struct plugin_library {
     QString reason;                          // why
 };
 
-// The file to load, absolute. wished: empty for libcortana.so beside the program, then ../lib/cortana/libcortana.so
-// from there. Needs the application object.
+// The file to load, absolute. wished: empty for libcortana.so beside the program, then for the one that was
+// installed with it. Needs the application object.
 QString plugin_library_file(const QString& wished);
 
 // file: absolute.

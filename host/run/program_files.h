@@ -5,5 +5,5 @@
 #include <QString>
 
 // The absolute path of a part of the program by its file name: beside the program where it stands there, else
-// ../lib/cortana/ from there. Needs the application object.
+// where it was installed with it. Needs the application object.
 QString program_file(const QString& name);
