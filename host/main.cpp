@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The command-line host: drives the plugin library as the suite would, from a terminal or a script.
 #include "host/commands/check_command.h"
+#include "host/commands/completion.h"
 #include "host/commands/diff_command.h"
 #include "host/commands/export_command.h"
 #include "host/commands/extract_command.h"
@@ -84,6 +85,9 @@ int main(int argc, char** argv) {
         int one = 1;
         const QCoreApplication application(one, only_program);
         settle_file_name_encoding();
+        if (argc > 1 && std::strcmp(argv[1], complete_word) == 0) {
+            return run_complete_command(words_of(argc, argv).mid(2));
+        }
         take_qt_messages(false);
         return run(read_command_line(argc > 0 ? words_of(argc, argv) : QStringList(QStringLiteral("cortana"))));
     } catch (const std::exception& fault) {
