@@ -8,6 +8,8 @@
 
 namespace {
 
+QString said_last;
+
 bool is_unfit(QChar character) {
     const ushort code = character.unicode();
     const bool control = code < 0x20 || (code >= 0x7f && code < 0xa0);
@@ -63,7 +65,12 @@ QString printable(const QString& text) {
 }
 
 void say(const QString& message) {
+    said_last = message;
     write_error_line(QStringLiteral("cortana: ") + message);
+}
+
+QString last_said() {
+    return said_last;
 }
 
 bool print(const QString& text) {

@@ -11,6 +11,8 @@ QString printable(const QString& text);
 
 // One line on standard error, "cortana: " in front; made printable.
 void say(const QString& message);
+// The message that was said last; empty: none was.
+QString last_said();
 
 // Text as it is, to standard output, in UTF-8. False: it cannot be written.
 bool print(const QString& text);
