@@ -40,15 +40,15 @@ def commands():
 
 
 def options_of_help(command):
-    return set(re.findall(r"^  (?:-\w, )?(--[a-z-]+)", run(*command.split(), "--help"), re.M))
+    return set(re.findall(r"^  (?:-\w, )?(--[a-z0-9-]+)", run(*command.split(), "--help"), re.M))
 
 
 def options_of_page():
     with open(PAGE, encoding="utf-8") as file:
         text = file.read().replace("\\-", "-")
-    general = set(re.findall(r"\\fB(--[a-z-]+)\\fR", re.search(r"\.SH OPTIONS\n(.*?)\.SH", text, re.S).group(1)))
+    general = set(re.findall(r"\\fB(--[a-z0-9-]+)\\fR", re.search(r"\.SH OPTIONS\n(.*?)\.SH", text, re.S).group(1)))
     sections = re.findall(r"^\.SS cortana (.*?) \[options\](.*?)(?=^\.S)", text, re.S | re.M)
-    return {name: general | set(re.findall(r"\\fB(--[a-z-]+)\\fR", body)) for name, body in sections}
+    return {name: general | set(re.findall(r"\\fB(--[a-z0-9-]+)\\fR", body)) for name, body in sections}
 
 
 def offers(shell, lines):
