@@ -30,7 +30,7 @@ in_bare() { # ROOT COMMAND...: runs it as the only command of a machine would be
     local root=$1
     shift
     unshare --mount --pid --fork --kill-child bash -c 'mount -t proc proc "$0/proc" && mount -t tmpfs tmpfs "$0/dev/shm" &&
-        exec chroot "$0" /usr/bin/env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin TERM=dumb "$@"' "$root" "$@"
+        mount -t devpts devpts "$0/dev/pts" && exec chroot "$0" /usr/bin/env -i HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin TERM=dumb "$@"' "$root" "$@"
 }
 new_system() { # ROOT
     rm -rf "$1"

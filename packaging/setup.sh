@@ -7,7 +7,7 @@ set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 
 packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libarchive-dev libbfio-dev libhivex-dev
-    libmimalloc-dev libseccomp-dev libsqlite3-dev libssl-dev libtsk-dev libxlsxwriter-dev ntfs-3g-dev)
+    libmimalloc-dev libminizip-dev libseccomp-dev libsqlite3-dev libssl-dev libtsk-dev libxlsxwriter-dev ntfs-3g-dev)
 for extra in "$@"; do
     case "$extra" in
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
