@@ -2,12 +2,6 @@
 // What all steps share, each over the sample's two profiles: the log of failures, cancel, evidence that is damaged,
 // rows that cannot be committed.
 #include "common/plugin_static_function.h"
-#include "ese/cookies.h"
-#include "ese/timetriggers.h"
-#include "extractors/reminder_procedure.h"
-#include "extractors/search_procedure.h"
-#include "extractors/webcache_procedure.h"
-#include "registry/search_from_com.h"
 #include "samples/ese_damage.h"
 #include "samples/hive_writer.h"
 #include "samples/sample_source.h"
@@ -73,12 +67,6 @@ class test_steps : public QObject {
     }
 
 private Q_SLOTS:
-    // Every case writes a source of its own, and on a disk would wait for it.
-    void initTestCase() {
-        if (QFileInfo("/dev/shm"_q).isWritable()) {
-            qputenv("TMPDIR", "/dev/shm");
-        }
-    }
     void init() {
         folder = std::make_unique<test_case_folder>(
             QList<QPair<QString, QString>>{{"anna"_q, "CORP\\anna"_q}, {"bernd"_q, QString()}});
@@ -250,24 +238,6 @@ private Q_SLOTS:
         QVERIFY(!gone.isEmpty() && gone != sound);
         QCOMPARE(gone.filter("system_user=text:bernd"_q), gone);
         QCOMPARE(damaged, is_read ? sound : gone);
-    }
-
-    // What a reader holds is as large as the evidence makes it.
-    void readers_go_with_their_step() {
-        const QString root = folder->root();
-        const QString database = folder->database_path();
-        const QString none;
-        const bool cancelled = false;
-        const step_context context{root, none, database, none, cancelled, [] {}};
-        const step_texts texts = {"f()", "", "", "", {"", false, "", ""}, ""};
-        std::unique_ptr<timetriggers> reminder_reader;
-        run_reminder_step<timetriggers, specific_table::struct_time_triggers_data>(
-            context, {texts, none, none, &specific_table::list_time_triggers_data, {}}, reminder_reader, {});
-        std::unique_ptr<specific_table> webcache_reader;
-        run_webcache_step<cookies>(context, {texts, none, nullptr, nullptr}, webcache_reader, {});
-        std::unique_ptr<search_from_com> walker;
-        run_search_step(context, {texts, "", nullptr, nullptr, nullptr}, walker, {});
-        QVERIFY(!reminder_reader && !webcache_reader && !walker);
     }
 
     void progress_is_due_after_more_than_a_second() {

@@ -38,7 +38,7 @@ private Q_SLOTS:
     void earlier_runs_stay() {
         QFETCH(QString, option);
         QFETCH(bool, has_earlier);
-        constexpr int step = 64 * 1024;
+        constexpr int step = 48 * 1024;
         const host_case host;
         QVERIFY(write_sample_source(QString::fromUtf8(host.source())));
         host.make_folders(host.result());
@@ -47,7 +47,7 @@ private Q_SLOTS:
         const QString database = QString::fromUtf8(host.database());
         const auto earlier = rows_by_profile(database);
         keep(host);
-        for (int number = 0; number < 700; ++number) {
+        for (int number = 0; number < 150; ++number) {
             host.add_recording("anna", QByteArray::number(number) + ".wav");
             host.add_recording("bernd", QByteArray::number(number) + ".wav");
         }
@@ -81,7 +81,7 @@ private Q_SLOTS:
         }
         QVERIFY2(answer.code == 0, answer.error.constData());
         QVERIFY(limit > 3 * step);
-        QVERIFY(rows_by_profile(database).value("anna"_q).size() >= 700);
+        QVERIFY(rows_by_profile(database).value("anna"_q).size() >= 150);
     }
 };
 

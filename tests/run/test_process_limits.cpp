@@ -97,7 +97,7 @@ private Q_SLOTS:
     void memory_of_a_process() {
         constexpr std::size_t size = 64 << 20;
         constexpr qint64 slack = 8 << 20;
-        QTemporaryFile file;
+        QTemporaryFile file("/var/tmp/mapped_XXXXXX"_q); // on a disk: what lies in tmpfs is held
         QVERIFY(file.open() && file.resize(size));
         const auto mapped = [](int flags, int handle) {
             void* const memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, flags, handle, 0);
