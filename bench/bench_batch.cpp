@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// bench_batch FOLDER: what a batch costs. Merges of 10 to 1,000 results of 1,000 rows each, and one source done by
-// "batch run" beside the same source done by "extract". FOLDER takes the results, about 500 MB; TMPDIR as much.
+// bench_batch FOLDER: what a batch costs. One source done by "batch run" beside the same source done by "extract",
+// sources by the hour with one, two and four workers, and merges of 10 to 1,000 results of 1,000 rows each. FOLDER
+// takes the results, about 1 GB; TMPDIR as much.
 #include "bench/child_process.h"
 #include "host/batch/batch_record.h"
 #include "host/batch/out_folder.h"
@@ -135,6 +136,37 @@ void measure_overhead(const QString& base) {
                 again.seconds * 1000);
 }
 
+// One sample source under many ids.
+void measure_workers(const QString& base) {
+    constexpr int sources = 60;
+    const QString manifest = base + QStringLiteral("/many.jsonl");
+    const QString out = base + QStringLiteral("/many");
+    QByteArray text;
+    for (int number = 1; number <= sources; ++number) {
+        text += batch::line_of({QStringLiteral("s%1").arg(number),
+                                base + QStringLiteral("/source"),
+                                QStringLiteral("folder"),
+                                number,
+                                0,
+                                {},
+                                {},
+                                {}});
+    }
+    write(manifest, text);
+    std::puts("workers  sources an hour  processor ms a source");
+    for (const int workers : {1, 2, 4}) {
+        QDir(out).removeRecursively();
+        const QString command =
+            QStringLiteral("seq %1 | xargs -P %2 -I{} %3 batch run --manifest %4 --index {} --out %5")
+                .arg(sources)
+                .arg(workers)
+                .arg(QStringLiteral(HOST_PROGRAM), manifest, out);
+        const child_figures figures = run_child("sh", {"-c", command.toStdString()});
+        std::printf("%7d %16.0f %22.1f%s\n", workers, sources * 3600 / figures.seconds,
+                    figures.processor_seconds * 1000 / sources, figures.succeeded ? "" : "  FAILED");
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -144,6 +176,7 @@ int main(int argc, char** argv) {
     }
     const QTemporaryDir folder(QString::fromLocal8Bit(argv[1]) + QStringLiteral("/bench-XXXXXX"));
     measure_overhead(folder.path());
+    measure_workers(folder.path());
     measure_merges(folder.path());
     return 0;
 }
