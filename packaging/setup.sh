@@ -11,7 +11,7 @@ for extra in "$@"; do
     case "$extra" in
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
         test)
-            packages+=(gdal-bin python3-jsonschema python3-openpyxl sleuthkit)
+            packages+=(chromium gdal-bin python3-html5lib python3-jsonschema python3-openpyxl sleuthkit)
             packages+=(7zip bzip2 dosfstools ewf-tools fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd)
             ;;
         bench) packages+=(sqlite3 libwin-hivex-perl libhivex-bin) ;;
