@@ -38,7 +38,7 @@ echo "build_libesedb: fetching libesedb $revision from $suite"
 
 echo "build_libesedb: building libesedb $version (about a minute, log in build/deps/libesedb-build.log)"
 (cd "$work/source/unpacked" &&
-    CFLAGS="-O2 -g -fPIC -fvisibility=hidden -ffile-prefix-map=$PWD=libesedb" ./configure --prefix="$prefix" --localedir=/usr/share/locale --disable-shared --enable-static \
+    CFLAGS="-O2 -g -fPIC -fvisibility=hidden -ffile-prefix-map=$PWD=libesedb" ./configure --prefix="$prefix" --datadir=/usr/share --disable-shared --enable-static \
         --with-pic --disable-nls --disable-python &&
     make -j"$(nproc)" && make install) >"$top/build/deps/libesedb-build.log" 2>&1 ||
     { tail -n 20 "$top/build/deps/libesedb-build.log" >&2; exit 1; }

@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Makes the packages cortana and cortana-dev for this release of Debian and lets lintian judge them.
-# packaging/deb.sh [FOLDER]   (default build/packages; its subfolder "source" is where they are built)
+# packaging/deb.sh [--fresh] [FOLDER]   (default build/packages; its subfolder "source" is where they are built)
+# --fresh: with a libesedb of its own where one is needed, instead of that of this tree.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
+fresh=0
+[ "${1:-}" = --fresh ] && { fresh=1; shift; }
 mkdir -p "${1:-$top/build/packages}"
 folder=$(cd "${1:-$top/build/packages}" && pwd)
 source=$folder/source/cortana
@@ -13,7 +16,7 @@ log=$folder/build.log
 rm -rf "$folder/source"
 mkdir -p "$source"
 (cd "$top" && git ls-files -z | tar --null -T - -cf -) | tar -C "$source" -xf -
-if [ -e "$top/build/deps/libesedb/parts" ]; then # else debian/rules makes it where it is needed
+if [ $fresh = 0 ] && [ -e "$top/build/deps/libesedb/parts" ]; then # else debian/rules makes it where it is needed
     mkdir -p "$source/build/deps"
     cp -a "$top/build/deps/libesedb" "$source/build/deps/"
 fi
