@@ -36,8 +36,10 @@ QString reason_of(const QJsonObject& run) {
     }
     if (!losses.isEmpty()) {
         const QJsonObject loss = losses.at(0).toObject();
+        const QString table = loss[key("table")].toString();
         return QStringLiteral("not finished: profile %1, %2: %3")
-            .arg(loss[key("profile")].toString(), loss[key("table")].toString(), loss[key("reason")].toString());
+            .arg(loss[key("profile")].toString(), table.isEmpty() ? QStringLiteral("no table") : table,
+                 loss[key("reason")].toString());
     }
     if (!problems.isEmpty()) {
         const QJsonObject problem = problems.at(0).toObject();
