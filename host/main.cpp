@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The command-line host: drives the plugin library as the suite would, from a terminal or a script.
+#include "host/commands/batch_command.h"
+#include "host/commands/batch_manifest_command.h"
 #include "host/commands/check_command.h"
+#include "host/commands/completion.h"
 #include "host/commands/diff_command.h"
 #include "host/commands/export_command.h"
 #include "host/commands/extract_command.h"
@@ -57,6 +60,18 @@ int run(const command_line& line) {
         return run_diff_command(line.diff);
     case command::schema:
         return run_schema_command(line.schema_as_json);
+    case command::batch_create:
+        return run_batch_create_command(line.batch_create);
+    case command::batch_check:
+        return run_batch_check_command(line.batch_manifest);
+    case command::batch_run:
+        take_cancel_signals();
+        return run_batch_run_command(line.batch_run);
+    case command::batch_status:
+        return run_batch_status_command(line.batch_status);
+    case command::batch_merge:
+        take_cancel_signals();
+        return run_batch_merge_command(line.batch_merge);
     case command::version:
         return print_text(version_text());
     case command::help:
@@ -84,6 +99,9 @@ int main(int argc, char** argv) {
         int one = 1;
         const QCoreApplication application(one, only_program);
         settle_file_name_encoding();
+        if (argc > 1 && std::strcmp(argv[1], complete_word) == 0) {
+            return run_complete_command(words_of(argc, argv).mid(2));
+        }
         take_qt_messages(false);
         return run(read_command_line(argc > 0 ? words_of(argc, argv) : QStringList(QStringLiteral("cortana"))));
     } catch (const std::exception& fault) {

@@ -2,6 +2,8 @@
 // What both commands read alike, and what only an extraction needs.
 #include "host/commands/extract_words.h"
 
+#include "host/run/account_name.h"
+
 #include <QThread>
 
 #include <algorithm>
@@ -10,9 +12,7 @@
 namespace {
 
 void add_user(const QString& text, QList<system_account>& users) {
-    const int equals = text.indexOf(QLatin1Char('='));
-    const system_account account{equals < 0 ? text : text.left(equals),
-                                 equals < 0 ? QStringLiteral("") : text.mid(equals + 1)};
+    const system_account account = account_of(text).value_or(system_account());
     const auto same = [&](const system_account& known) { return known.system_user == account.system_user; };
     const auto known = std::find_if(users.begin(), users.end(), same);
     if (known == users.end()) {

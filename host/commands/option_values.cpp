@@ -3,6 +3,7 @@
 #include "host/commands/option_values.h"
 
 #include "host/nearest_name.h"
+#include "host/run/account_name.h"
 #include "host/run/process_limits.h"
 
 #include <QTimeZone>
@@ -44,15 +45,8 @@ QString refused_choice(const option_entry& option, const QString& text) {
         .arg(QString::fromUtf8(option.thing), text, known.join(QStringLiteral(", ")), last);
 }
 
-// Both parts name a folder below Users/, so neither may lead elsewhere.
 QString refused_profile(const QString& text) {
-    const int equals = text.indexOf(QLatin1Char('='));
-    const QStringList names{equals < 0 ? text : text.left(equals), equals < 0 ? QString() : text.mid(equals + 1)};
-    const bool leads_elsewhere = std::any_of(names.begin(), names.end(), [](const QString& name) {
-        return name.contains(QLatin1Char('/')) || name == QLatin1String(".") || name == QLatin1String("..");
-    });
-    return leads_elsewhere || names.first().isEmpty() ? QStringLiteral("'%1' cannot name a profile folder").arg(text)
-                                                      : QString();
+    return account_of(text) ? QString() : QStringLiteral("'%1' cannot name a profile folder").arg(text);
 }
 
 QString refused_path(const option_entry& option, const char* usual_thing, const QString& text) {

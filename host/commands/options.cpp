@@ -2,6 +2,7 @@
 // Finds the command among the words, and hands the rest to the function that reads it.
 #include "host/commands/options.h"
 
+#include "host/commands/batch_words.h"
 #include "host/commands/extract_words.h"
 #include "host/commands/help_text.h"
 #include "host/commands/option_words.h"
@@ -44,10 +45,19 @@ command_line refused_command(const QStringList& words) {
 command_line read_by_command(const command_words& words, const QString& name) {
     using reader = command_line (*)(const command_words&);
     static const QMap<QString, reader> readers{
-        {QStringLiteral("extract"), read_extract}, {QStringLiteral("check"), read_check},
-        {QStringLiteral("verify"), read_verify},   {QStringLiteral("rows"), read_rows},
-        {QStringLiteral("export"), read_export},   {QStringLiteral("diff"), read_diff},
-        {QStringLiteral("schema"), read_schema},   {QStringLiteral("log"), read_log},
+        {QStringLiteral("extract"), read_extract},
+        {QStringLiteral("check"), read_check},
+        {QStringLiteral("verify"), read_verify},
+        {QStringLiteral("rows"), read_rows},
+        {QStringLiteral("export"), read_export},
+        {QStringLiteral("diff"), read_diff},
+        {QStringLiteral("schema"), read_schema},
+        {QStringLiteral("log"), read_log},
+        {QStringLiteral("batch create"), read_batch_create},
+        {QStringLiteral("batch check"), read_batch_check},
+        {QStringLiteral("batch run"), read_batch_run},
+        {QStringLiteral("batch status"), read_batch_status},
+        {QStringLiteral("batch merge"), read_batch_merge},
     };
     return readers.value(name)(words);
 }

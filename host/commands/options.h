@@ -2,6 +2,7 @@
 // The command line, read into plain values. Nothing is printed and nothing is looked up on disk here.
 #pragma once
 
+#include "host/commands/batch_options.h"
 #include "host/commands/diff_command.h"
 #include "host/commands/export_command.h"
 #include "host/commands/rows_command.h"
@@ -11,7 +12,24 @@
 #include <QString>
 #include <QStringList>
 
-enum class command { extract, check, verify, log, rows, export_tables, diff, schema, version, help, refused };
+enum class command {
+    extract,
+    check,
+    verify,
+    log,
+    rows,
+    export_tables,
+    diff,
+    schema,
+    batch_create,
+    batch_check,
+    batch_run,
+    batch_status,
+    batch_merge,
+    version,
+    help,
+    refused
+};
 
 struct command_line {
     command what = command::refused;
@@ -22,6 +40,11 @@ struct command_line {
     export_options exports;
     diff_options diff;
     bool schema_as_json = false;
+    batch_create_options batch_create;
+    QString batch_manifest; // of the command batch check
+    batch_run_options batch_run;
+    batch_status_options batch_status;
+    batch_merge_options batch_merge;
     QString text; // the help text, or why the command line is refused
 };
 

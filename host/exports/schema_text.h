@@ -7,5 +7,5 @@
 // {"tables":[{"name","row","origin","columns":[{"name","kind","unit","meaning","origin"}]}]}, in the order of the
 // schema.
 QByteArray schema_as_json();
-// A heading and a table for each table. docs/result_database.md holds this text.
+// A heading and a table for each table. docs/artifacts.md holds this text.
 QByteArray schema_as_markdown();

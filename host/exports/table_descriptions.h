@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the nine result tables and their columns hold: the one description that the exports, `cortana schema` and
-// docs/result_database.md are made from. Constant data in UTF-8.
+// docs/artifacts.md are made from. Constant data in UTF-8.
 #pragma once
 
 #include <QVector>

@@ -45,7 +45,10 @@ xlsx_writer::xlsx_writer(export_folder& export_to, qint64 rows_in_sheet)
     : file(export_to.create("cortana.xlsx")), path(export_to.native_path() + '/' + file.temporary_name()),
       folder(export_to.native_path()), most_rows(rows_in_sheet) {
     if (!file.failed()) {
-        lxw_workbook_options options = {LXW_TRUE, folder.data(), LXW_TRUE};
+        lxw_workbook_options options = {};
+        options.constant_memory = LXW_TRUE;
+        options.tmpdir = folder.data();
+        options.use_zip64 = LXW_TRUE;
         book.reset(workbook_new_opt(path.constData(), &options));
         if (!book) {
             fail(LXW_ERROR_MEMORY_MALLOC_FAILED);

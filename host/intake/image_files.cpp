@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What the folder of an image holds of it. No library is let to look for further files by itself.
+#include "host/intake/image_files.h"
+
 #include "host/intake/image_segments.h"
-#include "host/intake/image_view.h"
 #include "source/folder_listing.h"
 #include "source/native_names.h"
 #include "source/quiet_open.h"
@@ -100,6 +101,45 @@ image_files find_image_files(const QByteArray& native_path, image_format format)
         const QString trouble = trouble_at_ewf_end(files.paths.last());
         files.problem =
             trouble.isEmpty() ? trouble : QStringLiteral("%1: %2").arg(shown_path(series.names.last()), trouble);
+    }
+    return files;
+}
+
+judged_content content_of(const QByteArray& native_path, QString& problem) {
+    const quiet_file file(native_path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const int error = errno;
+    const qint64 size = file.size();
+    if (!file.is_open() || size < 0) {
+        problem = file.is_open() ? QStringLiteral("it is neither a folder nor a regular file") : error_words(error);
+        return {content_kind::unknown};
+    }
+    QByteArray head(judged_head, '\0');
+    QByteArray tail(judged_head, '\0');
+    head.truncate(static_cast<int>(file.read(head.data(), judged_head, 0)));
+    problem = errno != 0 ? error_words(errno) : QString();
+    tail.truncate(static_cast<int>(file.read(tail.data(), judged_head, qMax(qint64{0}, size - judged_head))));
+    return judge_content(head, tail);
+}
+
+image_format format_of(content_kind kind) {
+    return kind == content_kind::ewf    ? image_format::ewf
+           : kind == content_kind::vmdk ? image_format::vmdk
+           : kind == content_kind::vhd  ? image_format::vhd
+                                        : image_format::raw;
+}
+
+QVector<QByteArray> source_files(const QByteArray& native_path) {
+    QString problem;
+    const judged_content content = content_of(native_path, problem);
+    const bool may_be_image = problem.isEmpty() && content.kind != content_kind::archive &&
+                              content.kind != content_kind::empty && content.kind != content_kind::not_handled;
+    QVector<QByteArray> files{native_path};
+    if (may_be_image) {
+        for (const QByteArray& path : find_image_files(native_path, format_of(content.kind)).paths) {
+            if (path != native_path) {
+                files.append(path);
+            }
+        }
     }
     return files;
 }

@@ -3,21 +3,13 @@
 // copies are left out. FAT and exFAT keep local times without their zone; they are given as if they were UTC.
 #pragma once
 
+#include "host/intake/image_files.h"
 #include "host/intake/source_root.h"
 #include "host/intake/view.h"
 
 #include <memory>
 
 namespace intake {
-
-enum class image_format { raw, ewf, vmdk, vhd };
-
-// The files of an image that is to be opened: its segments, or the extents that a VMDK names.
-struct image_files {
-    QVector<QByteArray> paths; // native, in order; only these are opened
-    QString problem;           // such as a missing segment; else empty
-};
-image_files find_image_files(const QByteArray& native_path, image_format format);
 
 struct image_volume {
     int number = 0; // as a person counts: 1 is the first

@@ -2,39 +2,14 @@
 // What has a mark of its own is opened as that alone, so that its own library's words are told; the rest is tried.
 #include "host/intake/open_source.h"
 
-#include "host/intake/content_kind.h"
 #include "host/intake/folder_view.h"
 #include "source/native_names.h"
-#include "source/quiet_open.h"
 
 #include <algorithm>
 #include <sys/stat.h>
 
 namespace intake {
 namespace {
-
-judged_content content_of(const QByteArray& native_path, QString& problem) {
-    const quiet_file file(native_path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    const int error = errno;
-    const qint64 size = file.size();
-    if (!file.is_open() || size < 0) {
-        problem = file.is_open() ? QStringLiteral("it is neither a folder nor a regular file") : error_words(error);
-        return {content_kind::unknown};
-    }
-    QByteArray head(judged_head, '\0');
-    QByteArray tail(judged_head, '\0');
-    head.truncate(static_cast<int>(file.read(head.data(), judged_head, 0)));
-    problem = errno != 0 ? error_words(errno) : QString();
-    tail.truncate(static_cast<int>(file.read(tail.data(), judged_head, qMax(qint64{0}, size - judged_head))));
-    return judge_content(head, tail);
-}
-
-image_format format_of(content_kind kind) {
-    return kind == content_kind::ewf    ? image_format::ewf
-           : kind == content_kind::vmdk ? image_format::vmdk
-           : kind == content_kind::vhd  ? image_format::vhd
-                                        : image_format::raw;
-}
 
 void find_root(opened_source& opened) {
     const found_roots found = find_source_roots(*opened.view);
@@ -138,26 +113,6 @@ void open_file(const QByteArray& native_path, const open_options& options, opene
         open_as_image(native_path, format_of(content.kind), options, opened);
     }
 }
-
-} // namespace
-
-QVector<QByteArray> source_files(const QByteArray& native_path) {
-    QString problem;
-    const judged_content content = content_of(native_path, problem);
-    const bool may_be_image = problem.isEmpty() && content.kind != content_kind::archive &&
-                              content.kind != content_kind::empty && content.kind != content_kind::not_handled;
-    QVector<QByteArray> files{native_path};
-    if (may_be_image) {
-        for (const QByteArray& path : find_image_files(native_path, format_of(content.kind)).paths) {
-            if (path != native_path) {
-                files.append(path);
-            }
-        }
-    }
-    return files;
-}
-
-namespace {
 
 source_refusal refusal_of(const opened_source& opened, const open_options& options) {
     const auto holds_tree = [](const image_volume& volume) { return !volume.roots.isEmpty(); };

@@ -42,9 +42,6 @@ struct opened_source {
     QStringList reasons;       // what each library that tried said
 };
 
-// Every file that opening may read: the path itself, segments, extents. Reads the first and last bytes of files only.
-QVector<QByteArray> source_files(const QByteArray& native_path);
-
 // native_path: a folder or a regular file. No Windows tree in it, and several, are problems (then the view stays null).
 opened_source open_source(const QByteArray& native_path, const open_options& options);
 

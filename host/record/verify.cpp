@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Evidence is opened as quietly as when it was read first.
+// A digest that is missing is a difference: nothing is called the same that was not compared.
 #include "host/record/verify.h"
 
-#include "host/health/sha256.h"
+#include "host/record/file_digest.h"
 #include "source/native_names.h"
-#include "source/quiet_open.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -16,32 +16,12 @@
 
 namespace {
 
-// Empty and errno when the file cannot be read.
-QByteArray digest_of(const QString& path) {
-    constexpr qint64 chunk_size = 1 << 20;
-    const quiet_file file(QFile::encodeName(path), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (!file.is_open()) {
-        return {};
-    }
-    if (file.size() < 0) {
-        errno = EINVAL;
-        return {};
-    }
-    QByteArray chunk(static_cast<int>(chunk_size), Qt::Uninitialized);
-    sha256 digest;
-    qint64 got = 0;
-    for (qint64 offset = 0; (got = file.read(chunk.data(), chunk_size, offset)) > 0; offset += got) {
-        digest.take(chunk.constData(), got);
-    }
-    return errno == 0 ? digest.finish() : QByteArray();
-}
-
 QString difference_of(const QString& path, const QJsonObject& recorded) {
     const QByteArray wanted = recorded[QStringLiteral("sha256")].toString().toLatin1();
     if (wanted.isEmpty()) {
         return QStringLiteral("its digest was not recorded");
     }
-    const QByteArray found = digest_of(path);
+    const QByteArray found = digest_of_file(path);
     if (found.isEmpty()) {
         return QStringLiteral("it cannot be read: ") + error_words(errno);
     }

@@ -257,6 +257,10 @@ bool in_transaction(const QString& database_file, QString& error, const std::fun
 
 } // namespace
 
+QVector<const char*> links_schema() {
+    return {std::begin(create_statements), std::end(create_statements)};
+}
+
 void link_counts::add(const link_counts& other) {
     confirmed += other.confirmed;
     contradicted += other.contradicted;

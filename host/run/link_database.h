@@ -6,6 +6,10 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <QVector>
+
+// The statements that create its tables where they are missing.
+QVector<const char*> links_schema();
 
 // Of one run.
 struct link_counts {

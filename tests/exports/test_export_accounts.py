@@ -44,6 +44,9 @@ class accounts(export_case):
         self.assertEqual([out[name] for name in ("csv", "jsonl", "xlsx")], [ROWS] * 3)
         without = sum(1 for i in range(1, ROWS - 799) if i % 4 < 2)
         self.assertEqual((out["timesketch"], out["l2tcsv"]), (ROWS - 800 - without,) * 2)
+        self.assertEqual(out["html"], ROWS)
+        pages = re.findall(rb'<table class="rows.*?</table>', self.content("report.html"), re.S)
+        self.assertEqual(sum(page.count(b"<tr>") - 1 for page in pages), ROWS)
         self.assertEqual((out["kml"], out["geojson"]), (100, 100))
 
         self.assertEqual(sum(self.content(t + ".csv").count(b"\r\n") - 1 for t in TABLES), ROWS)
@@ -95,10 +98,15 @@ class accounts(export_case):
                 self.assertTrue(all(c["meaning"] and c["origin"] for c in table["columns"]))
 
     def test_the_document_holds_the_schema(self):
-        with open(os.environ["TOP"] + "/docs/result_database.md", encoding="utf-8") as file:
-            document = file.read()
-        text = re.search("<!-- made by cortana schema -->\n(.*)<!-- end -->", document, re.S)[1]
-        self.assertEqual(text, subprocess.check_output([HOST, "schema"], text=True))
+        with open(os.environ["TOP"] + "/docs/artifacts.md", encoding="utf-8") as file:
+            sections = re.split("(?m)^(?=### )", file.read())[1:]
+        described = re.split("(?m)^(?=### )", subprocess.check_output([HOST, "schema"], text=True))[1:]
+        self.assertEqual(len(sections), len(described))
+        for section, text in zip(sections, described):
+            with self.subTest(text.split("\n")[0]):
+                self.assertEqual(section[:len(text.strip())], text.strip())
+                for words in ("\n**Where Windows keeps it:** ", "\n**What it does not prove:** "):
+                    self.assertIn(words, section)
 
 
 unittest.main()

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+// Locks of a process: unlike those of flock(2) they can be asked about, no child inherits them for a moment, and NFS
+// knows them. They end when the process closes the file anywhere, so it opens the file once.
+#include "host/batch/source_lock.h"
+
+#include "source/native_names.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace batch {
+namespace {
+
+struct flock whole_file() {
+    struct flock lock = {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    return lock;
+}
+
+// The one who had it may have removed the file meanwhile: then it is another one that the next comes to lock.
+bool is_still(int handle, const QByteArray& path) {
+    struct stat opened = {};
+    struct stat named = {};
+    return ::fstat(handle, &opened) == 0 && ::stat(path.constData(), &named) == 0 && opened.st_ino == named.st_ino &&
+           opened.st_dev == named.st_dev;
+}
+
+QString content_of(int handle) {
+    char text[256];
+    const ssize_t size = ::pread(handle, text, sizeof text, 0);
+    return QString::fromUtf8(text, static_cast<int>(qMax<ssize_t>(size, 0))).trimmed();
+}
+
+} // namespace
+
+source_lock::~source_lock() {
+    if (handle >= 0) {
+        ::close(handle);
+    }
+}
+
+bool source_lock::take(const QString& file, const QString& holder, QString& reason) {
+    constexpr int most_tries = 100;
+    path = QFile::encodeName(file);
+    for (int i = 0; i < most_tries; ++i) {
+        const int opened = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
+        struct flock lock = whole_file();
+        if (opened < 0 || ::fcntl(opened, F_SETLK, &lock) != 0) {
+            const int error = errno;
+            const bool busy = opened >= 0 && (error == EAGAIN || error == EACCES);
+            reason = busy ? QStringLiteral("another run works on it: %1").arg(content_of(opened)) : error_words(error);
+            if (opened >= 0) {
+                ::close(opened);
+            }
+            return false;
+        }
+        if (is_still(opened, path)) {
+            handle = opened;
+            const QByteArray text = holder.toUtf8() + '\n';
+            const bool written = ::ftruncate(handle, 0) == 0 &&
+                                 ::pwrite(handle, text.constData(), size_t(text.size()), 0) == text.size();
+            reason = written ? QString() : error_words(errno);
+            return written;
+        }
+        ::close(opened);
+    }
+    reason = QStringLiteral("other runs take it again and again");
+    return false;
+}
+
+void source_lock::remove() {
+    if (handle >= 0) {
+        ::unlink(path.constData());
+        ::close(handle);
+        handle = -1;
+    }
+}
+
+lock_state look_at_lock(const QString& file, QString& holder) {
+    const int opened = ::open(QFile::encodeName(file).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (opened < 0) {
+        return lock_state::none;
+    }
+    struct flock lock = whole_file();
+    const bool held = ::fcntl(opened, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    holder = content_of(opened);
+    ::close(opened);
+    return held ? lock_state::held : lock_state::left_behind;
+}
+
+} // namespace batch
