@@ -4,11 +4,6 @@
 
 #include "common/plugin_static_function.h"
 
-bool is_progress_due(qint64 elapsed_ms) {
-    constexpr qint64 signal_interval_ms = 1000;
-    return elapsed_ms > signal_interval_ms;
-}
-
 step_run::step_run(const step_context& step, const step_texts& texts_of_step, insert_session& open_session)
     : context(step), texts(texts_of_step), session(open_session), statement(QLatin1String(texts_of_step.statement)) {}
 

@@ -30,8 +30,17 @@ struct insert_failure_lines {
     const char* query_prefix;
 };
 
-// Whether the running record count is to be told again, elapsed_ms after it was last told.
-bool is_progress_due(qint64 elapsed_ms);
+// Whether the running record count is to be told again: more than a second after the timer (a QElapsedTimer) was last
+// started. If so, it is started again.
+template <class Timer>
+bool take_progress(Timer& timer) {
+    constexpr qint64 signal_interval_ms = 1000;
+    if (timer.elapsed() <= signal_interval_ms) {
+        return false;
+    }
+    timer.start();
+    return true;
+}
 
 // A step's fixed texts, each whole and exactly as it is logged or executed.
 struct step_texts {

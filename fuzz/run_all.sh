@@ -5,7 +5,10 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
-for program in build/fuzz/bin/fuzz_*; do
+# As many at a time as there are processors.
+run_target() {
+    program=$1
+    seconds=$2
     name=$(basename "$program")
     mkdir -p "build/fuzz/found/$name"
     kept=()
@@ -13,5 +16,7 @@ for program in build/fuzz/bin/fuzz_*; do
     echo "fuzz: $name, $seconds s"
     "$program" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -verbosity=0 \
         -artifact_prefix="build/fuzz/found/" "build/fuzz/found/$name" "${kept[@]}" 2>"build/fuzz/$name.log" ||
-        { tail -n 40 "build/fuzz/$name.log" >&2; exit 1; }
-done
+        { tail -n 40 "build/fuzz/$name.log" >&2; return 1; }
+}
+export -f run_target
+printf '%s\0' build/asan-ubsan/bin/fuzz_* | xargs -0 -P"$(nproc)" -I{} bash -euo pipefail -c 'run_target "$@"' - {} "$seconds"

@@ -10,7 +10,7 @@ packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libarch
     libmimalloc-dev libminizip-dev libseccomp-dev libsqlite3-dev libssl-dev libtsk-dev libxlsxwriter-dev ntfs-3g-dev)
 for extra in "$@"; do
     case "$extra" in
-        lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev shellcheck) ;;
+        lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev lld shellcheck) ;;
         test)
             packages+=(chromium fish gdal-bin parallel python3-html5lib python3-jsonschema python3-openpyxl sleuthkit zsh)
             packages+=(7zip bzip2 dosfstools ewf-tools fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd)

@@ -54,8 +54,7 @@ void cortana_winos::extract_plugin_artifacts() {
 
 void cortana_winos::count_inserted_record() {
     ++records_count;
-    if (is_progress_due(progress_timer->elapsed())) {
+    if (take_progress(*progress_timer)) {
         Q_EMIT signal_extracted_records_of_plugin_winos(records_count);
-        progress_timer->start();
     }
 }
