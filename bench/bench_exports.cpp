@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// bench_exports [ROWS]: `cortana export` of a table of 1,000,000 rows (or ROWS) in every format, beside what the
-// sqlite3 shell needs for the same table as CSV: seconds, rows a second and peak memory. Each in a process of its own.
+// bench_exports [ROWS [FORMATS]]: `cortana export` of a table of 1,000,000 rows (or ROWS) in every format (or those
+// named, separated by commas), beside what the sqlite3 shell needs for the same table as CSV: seconds, rows a second
+// and peak memory. Each in a process of its own.
 #include "bench/child_process.h"
 #include "host/exports/formats.h"
 #include "host/exports/sqlite_handles.h"
@@ -56,6 +57,7 @@ void print(const char* what, const child_figures& figures, qint64 rows) {
 int main(int argc, char** argv) {
     constexpr int rounds = 3;
     const QByteArray rows = argc > 1 ? argv[1] : "1000000";
+    const QStringList formats = argc > 2 ? QString::fromUtf8(argv[2]).split(QLatin1Char(',')) : format_names();
     const QTemporaryDir folder;
     const std::string database = folder.filePath(QStringLiteral("Cortana.sqlite")).toStdString();
     const std::string out = folder.filePath(QStringLiteral("out")).toStdString();
@@ -65,7 +67,7 @@ int main(int argc, char** argv) {
     });
     print("sqlite3 -csv", shell, rows.toLongLong());
     QFile::remove(QString::fromStdString(out));
-    for (const QString& format : format_names()) {
+    for (const QString& format : formats) {
         const child_figures figures = best_of(format == QLatin1String("xlsx") ? 1 : rounds, [&] {
             return run_child(HOST_PROGRAM, {"export", "--tables", "cookies,place_reminders", "--format",
                                             format.toStdString(), "--out", out, database});

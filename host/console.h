@@ -6,6 +6,9 @@
 #include <QByteArray>
 #include <QString>
 
+// A control character, line separator or direction mark, and the code that stands for it: \n, \t, \xNN or \uNNNN.
+bool is_unfit(QChar character);
+QString code_of(QChar character);
 // The text with control characters, line separators and direction marks as \n, \t, \xNN or \uNNNN.
 QString printable(const QString& text);
 

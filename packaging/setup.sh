@@ -12,7 +12,7 @@ for extra in "$@"; do
     case "$extra" in
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
         test)
-            packages+=(fish gdal-bin python3-jsonschema python3-openpyxl sleuthkit zsh)
+            packages+=(chromium fish gdal-bin python3-html5lib python3-jsonschema python3-openpyxl sleuthkit zsh)
             packages+=(7zip bzip2 dosfstools ewf-tools fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd)
             ;;
         deb) packages+=(debhelper dpkg-dev lintian) ;;

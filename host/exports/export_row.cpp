@@ -42,14 +42,25 @@ void add_link_columns(export_table& table) {
                           "whether title, text and times are those of the reminder that the ids lead to", by_ids});
     table.columns.append({"linked_title", column_kind::text, "", "title of the reminder that the ids lead to", by_ids});
     table.columns.append({"linked_text", column_kind::text, "", "text of the reminder that the ids lead to", by_ids});
-    table.select = "select " + columns + ",l.reminder_link,l.linked_title,l.linked_text from main." + table.name +
-                   " r left join links.reminder_links l on l.table_name='" + table.name +
-                   "' and l.INT=r.INT order by r.INT";
+    table.beside = {"why", "linked_creation_time", "linked_last_update_time", "linked_last_access_time",
+                    "linked_completion_time"};
+    table.select = "select " + columns + ",l.reminder_link,l.linked_title,l.linked_text";
+    for (const char* const name : qAsConst(table.beside)) {
+        table.select += QByteArray(",l.") + name;
+    }
+    table.select += " from main." + table.name + " r left join links.reminder_links l on l.table_name='" + table.name +
+                    "' and l.INT=r.INT order by r.INT";
 }
 
 std::string_view text_in(const export_row& row, int column) {
     const bool is_text = column >= 0 && row.cells[static_cast<std::size_t>(column)].type == export_cell::text;
     return is_text ? row.cells[static_cast<std::size_t>(column)].bytes : std::string_view();
+}
+
+export_cell beside(const export_row& row, std::string_view name) {
+    const auto& names = row.table.beside;
+    const auto found = std::find(names.begin(), names.end(), name);
+    return found == names.end() ? export_cell() : row.beside[static_cast<std::size_t>(found - names.begin())];
 }
 
 qint64 key_of(const export_row& row) {

@@ -37,22 +37,28 @@ struct export_table {
     QByteArray select;            // gives the columns in their order
     QVector<const char*> told_by; // see table_description
     bool with_zone = false;       // times are shown in a zone, too
+    // What select gives behind the columns, for formats that tell more than the columns do.
+    QVector<const char*> beside = {};
 
     int index_of(const char* column) const; // -1 when there is none
 };
 
 export_table described_export(const table_description& table, bool with_zone);
-// Adds the columns reminder_link, linked_title and linked_text to a table of reminders; others stay as they are. For a
-// reader that has links.
+// Adds the columns reminder_link, linked_title and linked_text to a table of reminders, and beside them why and the
+// four linked times, each by its name in the links database; other tables stay as they are. For a reader that has
+// links.
 void add_link_columns(export_table& table);
 
 struct export_row {
     const export_table& table;
     std::vector<export_cell> cells; // one a column
     std::vector<export_time> times; // one a column; set for columns of kind time only
+    std::vector<export_cell> beside = {};
 };
 
 // The text of the column that is "" when there is no such column or it holds no text.
 std::string_view text_in(const export_row& row, int column);
+// What stands under the name in table.beside; null when nothing does.
+export_cell beside(const export_row& row, std::string_view name);
 // The row's own key.
 qint64 key_of(const export_row& row);

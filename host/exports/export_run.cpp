@@ -21,7 +21,7 @@ public:
                 const std::function<bool()>& asked_to_stop)
         : request(asked), source(reader), target(folder), cancelled(asked_to_stop) {
         for (const QString& name : request.formats) {
-            formats.push_back({name, make_writer(name, target, request.exact)});
+            formats.push_back({name, make_writer(name, {target, source, request.database, request.exact})});
         }
     }
 

@@ -5,6 +5,7 @@
 #include "host/exports/bodyfile_writer.h"
 #include "host/exports/csv_writer.h"
 #include "host/exports/geojson_writer.h"
+#include "host/exports/html_writer.h"
 #include "host/exports/jsonl_writer.h"
 #include "host/exports/kml_writer.h"
 #include "host/exports/l2tcsv_writer.h"
@@ -17,22 +18,30 @@ using writer = std::unique_ptr<export_writer>;
 
 struct format {
     QString name;
-    writer (*make)(export_folder& folder, bool exact);
+    writer (*make)(const writer_means& means);
 };
 
 const format formats[] = {
     {QStringLiteral("csv"),
-     [](export_folder& to, bool exact) -> writer { return std::make_unique<csv_writer>(to, exact); }},
-    {QStringLiteral("jsonl"), [](export_folder& to, bool) -> writer { return std::make_unique<jsonl_writer>(to); }},
-    {QStringLiteral("xlsx"), [](export_folder& to, bool) -> writer { return std::make_unique<xlsx_writer>(to); }},
+     [](const writer_means& means) -> writer { return std::make_unique<csv_writer>(means.folder, means.exact); }},
+    {QStringLiteral("jsonl"),
+     [](const writer_means& means) -> writer { return std::make_unique<jsonl_writer>(means.folder); }},
+    {QStringLiteral("xlsx"),
+     [](const writer_means& means) -> writer { return std::make_unique<xlsx_writer>(means.folder); }},
     {QStringLiteral("timesketch"),
-     [](export_folder& to, bool) -> writer { return std::make_unique<timesketch_writer>(to); }},
+     [](const writer_means& means) -> writer { return std::make_unique<timesketch_writer>(means.folder); }},
     {QStringLiteral("bodyfile"),
-     [](export_folder& to, bool) -> writer { return std::make_unique<bodyfile_writer>(to); }},
+     [](const writer_means& means) -> writer { return std::make_unique<bodyfile_writer>(means.folder); }},
     {QStringLiteral("l2tcsv"),
-     [](export_folder& to, bool exact) -> writer { return std::make_unique<l2tcsv_writer>(to, exact); }},
-    {QStringLiteral("kml"), [](export_folder& to, bool) -> writer { return std::make_unique<kml_writer>(to); }},
-    {QStringLiteral("geojson"), [](export_folder& to, bool) -> writer { return std::make_unique<geojson_writer>(to); }},
+     [](const writer_means& means) -> writer { return std::make_unique<l2tcsv_writer>(means.folder, means.exact); }},
+    {QStringLiteral("kml"),
+     [](const writer_means& means) -> writer { return std::make_unique<kml_writer>(means.folder); }},
+    {QStringLiteral("geojson"),
+     [](const writer_means& means) -> writer { return std::make_unique<geojson_writer>(means.folder); }},
+    {QStringLiteral("html"),
+     [](const writer_means& means) -> writer {
+         return std::make_unique<html_writer>(means.folder, means.source, means.database);
+     }},
 };
 
 } // namespace
@@ -48,10 +57,10 @@ const QStringList& format_names() {
     return names;
 }
 
-writer make_writer(const QString& name, export_folder& folder, bool exact) {
+writer make_writer(const QString& name, const writer_means& means) {
     for (const format& known : formats) {
         if (known.name == name) {
-            return known.make(folder, exact);
+            return known.make(means);
         }
     }
     return nullptr;

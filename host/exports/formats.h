@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/exports/export_writer.h"
+#include "host/exports/table_reader.h"
 #include "host/exports/whole_files.h"
 
 #include <QStringList>
@@ -12,5 +13,13 @@
 // In the order of `cortana export --help`.
 const QStringList& format_names();
 
-// Null for a name that is not one of them. exact: see csv_writer. The folder must outlive the writer.
-std::unique_ptr<export_writer> make_writer(const QString& format, export_folder& folder, bool exact);
+// What the formats may use; all of it outlives them.
+struct writer_means {
+    export_folder& folder;
+    table_reader& source; // of the rows, and of what else lies in the database
+    QString database;     // its file
+    bool exact;           // see csv_writer
+};
+
+// Null for a name that is not one of them.
+std::unique_ptr<export_writer> make_writer(const QString& format, const writer_means& means);

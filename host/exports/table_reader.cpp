@@ -56,6 +56,10 @@ bool fill_row(sqlite3_stmt* source, const QTimeZone& zone, export_row& row) {
             }
         }
     }
+    int next = static_cast<int>(row.cells.size());
+    for (export_cell& cell : row.beside) {
+        cell = cell_at(source, next++);
+    }
     return true;
 }
 
@@ -97,6 +101,35 @@ statement_handle table_reader::prepare(const export_table& table) {
     return statement_handle(prepared);
 }
 
+bool table_reader::holds(const char* schema, const char* table) {
+    return trouble.isEmpty() && sqlite3_table_column_metadata(database.get(), schema, table, nullptr, nullptr, nullptr,
+                                                              nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+bool table_reader::read_plain(const QByteArray& select, const plain_row_sink& take) {
+    sqlite3_stmt* prepared = nullptr;
+    if (!trouble.isEmpty() ||
+        sqlite3_prepare_v2(database.get(), select.constData(), -1, &prepared, nullptr) != SQLITE_OK) {
+        return fail();
+    }
+    const statement_handle statement(prepared);
+    QVector<QByteArray> names;
+    for (int i = 0; i < sqlite3_column_count(prepared); ++i) {
+        names.append(sqlite3_column_name(prepared, i));
+    }
+    std::vector<export_cell> cells(static_cast<std::size_t>(names.size()));
+    int step = sqlite3_step(prepared);
+    for (; step == SQLITE_ROW; step = sqlite3_step(prepared)) {
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            cells[i] = cell_at(prepared, static_cast<int>(i));
+        }
+        if (!take(names, cells)) {
+            return false;
+        }
+    }
+    return step == SQLITE_DONE || fail();
+}
+
 bool table_reader::read(const export_table& table, const QTimeZone& zone,
                         const std::function<bool(const export_row&)>& take) {
     const statement_handle statement = prepare(table);
@@ -105,7 +138,8 @@ bool table_reader::read(const export_table& table, const QTimeZone& zone,
         return false;
     }
     const auto columns = static_cast<std::size_t>(table.columns.size());
-    export_row row{table, std::vector<export_cell>(columns), std::vector<export_time>(columns)};
+    export_row row{table, std::vector<export_cell>(columns), std::vector<export_time>(columns),
+                   std::vector<export_cell>(static_cast<std::size_t>(table.beside.size()))};
     int step = sqlite3_step(prepared);
     for (; step == SQLITE_ROW; step = sqlite3_step(prepared)) {
         if (!fill_row(prepared, zone, row)) {

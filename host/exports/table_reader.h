@@ -24,6 +24,12 @@ public:
     // used when the table asks for it. False: take said no, or the table could not be read to its end (see error()).
     bool read(const export_table& table, const QTimeZone& zone, const std::function<bool(const export_row&)>& take);
 
+    // A table besides the nine: whether it is there, in main or in links.
+    bool holds(const char* schema, const char* table);
+    // Hands over the names of the columns and the values of each row. False: as of read().
+    using plain_row_sink = std::function<bool(const QVector<QByteArray>&, const std::vector<export_cell>&)>;
+    bool read_plain(const QByteArray& select, const plain_row_sink& take);
+
 private:
     statement_handle prepare(const export_table& table);
     bool fail();

@@ -22,7 +22,7 @@ int make_temporary(int folder, const QByteArray& wanted, QByteArray& name) {
     int made = -1;
     for (int i = 0; i < most_tries && made < 0; ++i) {
         name = stem + QByteArray::number(i);
-        made = ::openat(folder, name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, readable);
+        made = ::openat(folder, name.constData(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, readable);
         if (made < 0 && errno != EEXIST) {
             break;
         }
@@ -34,6 +34,17 @@ int make_temporary(int folder, const QByteArray& wanted, QByteArray& name) {
 }
 
 } // namespace
+
+bool write_all(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t done = ::write(descriptor, bytes.data(), bytes.size());
+        if (done < 0 && errno != EINTR) {
+            return false;
+        }
+        bytes.remove_prefix(done > 0 ? static_cast<std::size_t>(done) : 0);
+    }
+    return true;
+}
 
 void owned_descriptor::reset(int descriptor) {
     close();
@@ -80,14 +91,8 @@ bool pending_file::write(std::string_view bytes) {
 }
 
 bool pending_file::flush() {
-    std::string_view rest = buffer;
-    while (!rest.empty() && !failed()) {
-        const ssize_t done = ::write(file.get(), rest.data(), rest.size());
-        if (done >= 0) {
-            rest.remove_prefix(static_cast<std::size_t>(done));
-        } else if (errno != EINTR) {
-            fail_with_errno();
-        }
+    if (!failed() && !write_all(file.get(), buffer)) {
+        fail_with_errno();
     }
     buffer.clear();
     return !failed();
@@ -144,6 +149,17 @@ QByteArray export_folder::native_path() const {
 pending_file& export_folder::create(const QByteArray& name) {
     files.push_back(std::make_unique<pending_file>(folder.get(), name));
     return *files.back();
+}
+
+int export_folder::create_scratch() const {
+    constexpr mode_t own = 0600;
+    int made = ::openat(folder.get(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, own);
+    if (made < 0) { // not every file system has files without a name
+        QByteArray name;
+        made = make_temporary(folder.get(), "scratch", name);
+        ::unlinkat(folder.get(), name.constData(), 0);
+    }
+    return made;
 }
 
 bool export_folder::put_all_in_place() {

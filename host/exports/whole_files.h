@@ -27,6 +27,9 @@ private:
     int number;
 };
 
+// False: not all of it could be written, errno tells why.
+bool write_all(int descriptor, std::string_view bytes);
+
 // One file under a temporary name. Writes are buffered; once one has failed, the others do nothing.
 class pending_file {
 public:
@@ -70,6 +73,9 @@ public:
 
     // A new file in the folder; the folder keeps it. One that cannot be made has failed.
     pending_file& create(const QByteArray& name);
+    // A file without a name, open for reading and writing, that is gone when its descriptor is closed; -1: errno tells
+    // why there is none.
+    int create_scratch() const;
     // Gives all files their names, replacing what had them. False: not all of them.
     bool put_all_in_place();
 

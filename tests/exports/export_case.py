@@ -12,7 +12,7 @@ HOST = os.environ["HOST_PROGRAM"]
 STATEMENTS = subprocess.check_output([os.environ["PRINT_SCHEMA"]], text=True).splitlines()
 TABLES = ["time_reminders", "place_reminders", "contact_triggers", "latest_audio_search", "graphed_cache",
           "cache_files", "cookies", "domstore", "searches"]
-FORMATS = ["csv", "jsonl", "xlsx", "timesketch", "bodyfile", "l2tcsv", "kml", "geojson"]
+FORMATS = ["csv", "jsonl", "xlsx", "timesketch", "bodyfile", "l2tcsv", "kml", "geojson", "html"]
 
 
 class export_case(unittest.TestCase):

@@ -44,6 +44,9 @@ class accounts(export_case):
         self.assertEqual([out[name] for name in ("csv", "jsonl", "xlsx")], [ROWS] * 3)
         without = sum(1 for i in range(1, ROWS - 799) if i % 4 < 2)
         self.assertEqual((out["timesketch"], out["l2tcsv"]), (ROWS - 800 - without,) * 2)
+        self.assertEqual(out["html"], ROWS)
+        pages = re.findall(rb'<table class="rows.*?</table>', self.content("report.html"), re.S)
+        self.assertEqual(sum(page.count(b"<tr>") - 1 for page in pages), ROWS)
         self.assertEqual((out["kml"], out["geojson"]), (100, 100))
 
         self.assertEqual(sum(self.content(t + ".csv").count(b"\r\n") - 1 for t in TABLES), ROWS)
