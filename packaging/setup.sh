@@ -15,7 +15,7 @@ for extra in "$@"; do
             packages+=(chromium fish gdal-bin parallel python3-html5lib python3-jsonschema python3-openpyxl sleuthkit zsh)
             packages+=(7zip bzip2 dosfstools ewf-tools fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd)
             ;;
-        deb) packages+=(debhelper dpkg-dev lintian) ;;
+        deb) packages+=(build-essential debhelper dpkg-dev lintian) ;;
         slurm) packages+=(munge slurm-client slurmctld slurmd) ;;
         bench) packages+=(sqlite3 libwin-hivex-perl libhivex-bin) ;;
         *) echo "setup: unknown word '$extra'" >&2; exit 2 ;;

@@ -6,7 +6,7 @@
 set -euo pipefail
 file=$(realpath -m "${1:-$(dirname "$0")/../docs/validation.md}")
 cd "$(dirname "$0")/.."
-bin=build/release/bin rounds=12 # of each file and way to change it: 216 sources
+bin=build/release/bin rounds=12 # of each file and way to change it: 216 changed files
 for program in cortana cortana_write_sample mutated_sources; do
     [ -x "$bin/$program" ] || { echo "validate: $bin/$program is not built; run ./test first" >&2; exit 1; }
 done
@@ -47,7 +47,7 @@ echo "validate: the sample"
     echo
     echo "## Mutated sources"
     echo
-    echo "A source holds a sound profile and one with a file that was changed, by fixed seeds. What became of them"
+    echo "A source holds a sound profile beside those with a file that was changed, by fixed seeds. What became of them"
     echo "([reliability.md](reliability.md) explains the columns):"
     echo
     sed 's/^/    /' "$work/mutated.txt"

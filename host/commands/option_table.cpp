@@ -20,6 +20,7 @@ QStringList parts_of(const char* text) {
 
 } // namespace
 
+// NOLINTNEXTLINE(readability-function-size): data
 const QVector<command_entry>& command_table() {
     // clang-format off
     static const QVector<command_entry> table{
@@ -104,6 +105,7 @@ const QVector<command_entry>& command_table() {
     return table;
 }
 
+// NOLINTNEXTLINE(readability-function-size): data
 const QVector<option_entry>& option_table() {
     // clang-format off
     static const QVector<option_entry> table{

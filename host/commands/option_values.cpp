@@ -9,12 +9,13 @@
 #include <QTimeZone>
 
 #include <algorithm>
+#include <tuple>
 
 namespace {
 
 QString refused_number(const option_entry& option, const QString& text) {
     bool is_number = false;
-    text.toInt(&is_number);
+    std::ignore = text.toInt(&is_number);
     return is_number ? QString()
                      : QStringLiteral("the %1 '%2' is not a number").arg(QString::fromUtf8(option.thing), text);
 }
