@@ -12,7 +12,7 @@ for extra in "$@"; do
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
         test)
             packages+=(gdal-bin python3-jsonschema python3-openpyxl sleuthkit)
-            packages+=(7zip bzip2 dosfstools ewf-tools fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd)
+            packages+=(7zip bzip2 dosfstools e2fsprogs ewf-tools exfat-fuse exfatprogs fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd)
             ;;
         bench) packages+=(sqlite3 libwin-hivex-perl libhivex-bin) ;;
         *) echo "setup: unknown word '$extra'" >&2; exit 2 ;;
