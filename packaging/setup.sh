@@ -13,7 +13,8 @@ for extra in "$@"; do
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev lld shellcheck) ;;
         test)
             packages+=(chromium fish gdal-bin parallel python3-html5lib python3-jsonschema python3-openpyxl sleuthkit zsh)
-            packages+=(7zip bzip2 dosfstools ewf-tools fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd)
+            packages+=(7zip bzip2 dosfstools e2fsprogs ewf-tools exfat-fuse exfatprogs fdisk mtools)
+            packages+=(ntfs-3g qemu-utils xz-utils zip zstd)
             ;;
         deb) packages+=(build-essential debhelper dpkg-dev lintian) ;;
         slurm) packages+=(munge slurm-client slurmctld slurmd) ;;

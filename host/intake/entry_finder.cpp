@@ -42,40 +42,63 @@ void entry_finder::forget_all_beside(const QByteArray& path) {
     }
 }
 
+// True when the name is there; a step further from a folder, which may be the base.
+bool entry_finder::step(found_entry& found, const QByteArray& name) {
+    if (!is_plain_name(name)) {
+        return false;
+    }
+    const auto folder = listed(found.path);
+    const QVector<view_entry>& entries = folder->listing.entries;
+    const QVector<int> matches = folder->by_folded_name.value(folded(name));
+    if (matches.isEmpty()) {
+        found.problem = folder->listing.problem;
+        return false;
+    }
+    int taken = matches.first();
+    for (const int match : matches) {
+        taken = windows_name(entries[match].name) == name ? match : taken;
+    }
+    for (const int match : matches) {
+        if (match != taken) {
+            found.twins.append(joined(found.path, entries[match].name));
+        }
+    }
+    found.path = joined(found.path, entries[taken].name);
+    found.entry = entries[taken];
+    return true;
+}
+
+// True when a name may follow.
+bool entry_finder::is_folder(found_entry& found) {
+    if (found.entry.kind == entry_kind::link || found.entry.kind == entry_kind::other) {
+        found.problem = found.entry.kind == entry_kind::link ? QStringLiteral("it is a link; not followed")
+                                                             : QStringLiteral("it is not a folder");
+    }
+    return found.entry.kind == entry_kind::folder;
+}
+
 found_entry entry_finder::find(const QByteArray& base, const QByteArray& wanted) {
+    const int slash = wanted.lastIndexOf('/');
     found_entry found;
     found.path = base;
-    const QList<QByteArray> names = wanted.split('/');
-    for (int step = 0; step < names.size(); ++step) {
-        if (!is_plain_name(names[step])) {
-            return found;
-        }
-        const auto folder = listed(found.path);
-        const QVector<view_entry>& entries = folder->listing.entries;
-        const QVector<int> matches = folder->by_folded_name.value(folded(names[step]));
-        if (matches.isEmpty()) {
-            found.problem = folder->listing.problem;
-            return found;
-        }
-        int taken = matches.first();
-        for (const int match : matches) {
-            taken = windows_name(entries[match].name) == names[step] ? match : taken;
-        }
-        for (const int match : matches) {
-            if (match != taken) {
-                found.twins.append(joined(found.path, entries[match].name));
+    if (slash >= 0) {
+        if (last_base != base || last_folder != wanted.left(slash)) {
+            last_base = base;
+            last_folder = wanted.left(slash);
+            last_found = found;
+            bool goes_on = true;
+            const QList<QByteArray> names = last_folder.split('/');
+            for (const QByteArray& name : names) {
+                goes_on = goes_on && step(last_found, name) && is_folder(last_found);
             }
+            last_found.there = goes_on;
         }
-        found.path = joined(found.path, entries[taken].name);
-        found.entry = entries[taken];
-        if (step + 1 < names.size() && found.entry.kind != entry_kind::folder) {
-            found.problem = found.entry.kind == entry_kind::file ? QString() : QStringLiteral("it is not a folder");
-            found.problem =
-                found.entry.kind == entry_kind::link ? QStringLiteral("it is a link; not followed") : found.problem;
+        found = last_found;
+        if (!found.there) {
             return found;
         }
     }
-    found.there = true;
+    found.there = step(found, wanted.mid(slash + 1));
     return found;
 }
 

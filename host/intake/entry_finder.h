@@ -37,12 +37,17 @@ private:
         QHash<QByteArray, QVector<int>> by_folded_name;
     };
     std::shared_ptr<const folder_index> listed(const QByteArray& path);
+    bool step(found_entry& found, const QByteArray& name);
+    static bool is_folder(found_entry& found);
     void forget_all_beside(const QByteArray& path);
 
     source_view& source;
     bool decodes;
     QHash<QByteArray, std::shared_ptr<const folder_index>> known;
     int known_entries = 0;
+    QByteArray last_base; // what was looked for last, but for its last name: the next one often stands beside it
+    QByteArray last_folder;
+    found_entry last_found;
 };
 
 } // namespace intake

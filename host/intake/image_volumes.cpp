@@ -12,11 +12,31 @@ bool is_bitlocker(TSK_IMG_INFO* image, qint64 offset) {
            QByteArray::fromRawData(sector + 3, signature.size()) == signature;
 }
 
+// The mark in an MBR by which Windows, too, knows that the GPT is the one that counts. Without it a GPT can be left
+// over from an earlier use of the disk.
+bool has_protective_entry(TSK_IMG_INFO* image) {
+    constexpr int sector_size = 512;
+    constexpr int first_type = 450;
+    constexpr int entry_size = 16;
+    constexpr char protective = '\xee';
+    char sector[sector_size] = {};
+    bool found = false;
+    if (tsk_img_read(image, 0, sector, sizeof sector) == sizeof sector) {
+        for (int entry = 0; entry < 4; ++entry) {
+            found = found || sector[first_type + entry * entry_size] == protective;
+        }
+    }
+    return found;
+}
+
+// Asked for by name where it is known: where the library has to find out whether a disk has a GPT, it leaks the table
+// of the MBR that it opened first.
 partitions_handle open_partitions(TSK_IMG_INFO* image, QString& problem) {
     tsk_error_reset();
-    partitions_handle table(tsk_vs_open(image, 0, TSK_VS_TYPE_DETECT));
+    const bool has_gpt = has_protective_entry(image);
+    partitions_handle table(tsk_vs_open(image, 0, has_gpt ? TSK_VS_TYPE_GPT : TSK_VS_TYPE_DETECT));
     problem = table ? QString() : image_error();
-    for (const auto type : {TSK_VS_TYPE_GPT, TSK_VS_TYPE_DOS}) { // both can be told from some disks: GPT is meant
+    for (const auto type : {TSK_VS_TYPE_DOS, TSK_VS_TYPE_GPT}) { // both can be told from some disks
         if (!table) {
             table.reset(tsk_vs_open(image, 0, type));
         }

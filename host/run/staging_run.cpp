@@ -14,10 +14,14 @@
 #include "source/places.h"
 
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
+#include <QTimer>
 
 #include <filesystem>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -32,6 +36,73 @@ QVector<QByteArray> profiles_of(intake::source_view& view, const extract_options
         }
     }
     return profiles.isEmpty() ? intake::list_profiles(view, {}, told_later) : profiles;
+}
+
+// One worker that surveys what was staged of a profile.
+class profile_survey {
+public:
+    profile_survey(const QByteArray& of, const worker_request& staging, const extract_options& options)
+        : name(of), session(request_for(of, staging, options), options,
+                            [this](const worker_message& message) { take(message); }) {}
+
+    void start(const std::function<void()>& gone) { session.start(gone); }
+    const QByteArray& profile() const { return name; }
+    const QVector<QByteArray>& asked() const { return paths; }
+    const health_report& findings() const { return report; }
+    const QString& loss() const { return session.loss().reason; } // empty: it came to its end
+
+private:
+    static worker_request request_for(const QByteArray& profile, const worker_request& staging,
+                                      const extract_options& options) {
+        worker_request survey;
+        survey.source_root = staging.folder + QLatin1Char('/');
+        survey.accounts = {{QFile::decodeName(profile), QString()}};
+        survey.checked_tables = options.tables;
+        survey.survey = true;
+        survey.sandbox = staging.sandbox;
+        return survey;
+    }
+    void take(const worker_message& message) {
+        constexpr qint64 most_bytes = qint64{64} << 20; // more than a worker tells
+        for (const QByteArray& path : message.what == worker_message::asked ? message.paths : QVector<QByteArray>()) {
+            bytes += path.size();
+            if (bytes < most_bytes) {
+                paths.append(path);
+            }
+        }
+        if (message.what == worker_message::checked) {
+            report = message.health;
+        }
+    }
+
+    QByteArray name;
+    QVector<QByteArray> paths;
+    qint64 bytes = 0;
+    health_report report;
+    worker_session session;
+};
+
+// Returns when all are gone; those that a cancel kept from starting are left out.
+void run_together(const std::vector<std::unique_ptr<profile_survey>>& surveys, int at_once) {
+    QEventLoop loop;
+    size_t next = 0;
+    int running = 0;
+    std::function<void()> start_more = [&] {
+        for (; running < at_once && next < surveys.size() && !is_cancelled(); ++next) {
+            ++running;
+            surveys[next]->start([&] {
+                --running;
+                start_more();
+            });
+        }
+        if (running == 0) {
+            loop.quit();
+        }
+    };
+    QTimer::singleShot(0, &loop, start_more);
+    if (!surveys.empty()) {
+        loop.exec();
+    }
 }
 
 // Stages a source: a worker that copies, one a profile that surveys the copies, and the first one again for the names
@@ -62,7 +133,6 @@ private:
     void take_loss(const QString& reason, bool had_copied_all);
     void list_profiles();
     QVector<QByteArray> survey();
-    void survey_profile(const QByteArray& profile, QVector<QByteArray>& asked);
     // In place of a copy's path that of its source.
     void add_findings(const health_report& findings);
 
@@ -132,10 +202,23 @@ void staging::list_profiles() {
 }
 
 QVector<QByteArray> staging::survey() {
-    QVector<QByteArray> asked;
+    std::vector<std::unique_ptr<profile_survey>> surveys;
     for (const QByteArray& profile : qAsConst(outcome.profiles)) {
-        if (!is_cancelled() && is_utf8(profile)) { // others give no rows
-            survey_profile(profile, asked);
+        if (is_utf8(profile)) { // others give no rows
+            surveys.push_back(std::make_unique<profile_survey>(profile, request, options));
+        }
+    }
+    run_together(surveys, options.jobs);
+    QVector<QByteArray> asked;
+    for (const auto& one : surveys) {
+        asked += one->asked();
+        add_findings(one->findings());
+        const QString& lost = one->loss();
+        if (!lost.isEmpty() && !is_cancelled()) {
+            outcome.findings.add_problem(shown_path(places::users_folder + one->profile()),
+                                         QStringLiteral("which files its web cache names elsewhere, and which searches "
+                                                        "are in the log only, was not found out: ") +
+                                             lost);
         }
     }
     const intake::staging_folder folder(QFile::encodeName(request.folder));
@@ -145,35 +228,6 @@ QVector<QByteArray> staging::survey() {
         }
     }
     return asked;
-}
-
-void staging::survey_profile(const QByteArray& profile, QVector<QByteArray>& asked) {
-    worker_request survey;
-    survey.source_root = request.folder + QLatin1Char('/');
-    survey.accounts = {{QFile::decodeName(profile), QString()}};
-    survey.checked_tables = options.tables;
-    survey.survey = true;
-    survey.sandbox = request.sandbox;
-    qint64 bytes = 0;
-    worker_session session(survey, options, [&](const worker_message& message) {
-        for (const QByteArray& path : message.what == worker_message::asked ? message.paths : QVector<QByteArray>()) {
-            constexpr qint64 most_bytes = qint64{64} << 20; // more than a worker tells
-            bytes += path.size();
-            if (bytes < most_bytes) {
-                asked.append(path);
-            }
-        }
-        if (message.what == worker_message::checked) {
-            add_findings(message.health);
-        }
-    });
-    session.run();
-    if (!session.loss().reason.isEmpty() && !is_cancelled()) {
-        outcome.findings.add_problem(shown_path(places::users_folder + profile),
-                                     QStringLiteral("which files its web cache names elsewhere, and which searches are "
-                                                    "in the log only, was not found out: ") +
-                                         session.loss().reason);
-    }
 }
 
 void staging::add_findings(const health_report& findings) {

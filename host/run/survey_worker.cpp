@@ -2,7 +2,7 @@
 // The plugin's own readers and rules are asked, so that what is found is what rows will hold.
 #include "host/run/survey_worker.h"
 
-#include "ese/cache.h"
+#include "ese/container_reader.h"
 #include "extractors/search_rules.h"
 #include "extractors/webcache_paths.h"
 #include "host/intake/asked_names.h"
@@ -16,16 +16,21 @@
 #include <QMap>
 #include <QSet>
 
+#include <sys/stat.h>
+
 namespace {
 
 QString as_found(const QString& hive) {
     return QFile::decodeName(intake::as_found(QFile::encodeName(hive)));
 }
 
-// Collects the paths that entries name, each once, and sends them in pieces.
+// Collects the paths that entries name and that were not staged, each once, and sends them in pieces.
 class asked_collector {
 public:
-    explicit asked_collector(const message_sender& sender) : send(sender) { message.what = worker_message::asked; }
+    asked_collector(const QString& staged_root, const message_sender& sender)
+        : root(QFile::encodeName(staged_root)), send(sender) {
+        message.what = worker_message::asked;
+    }
 
     void add(const QString& windows_path) {
         const QByteArray on_disk = QFile::encodeName(on_disk_path(windows_path, QStringLiteral("/")));
@@ -47,6 +52,10 @@ private:
         }
         known.insert(path);
         bytes += path.size() + bytes_of_a_node;
+        struct stat status = {};
+        if (::lstat((root + path).constData(), &status) == 0) {
+            return;
+        }
         message.paths.append(path);
         message_bytes += path.size();
         constexpr int most_message_bytes = 1 << 16;
@@ -57,6 +66,7 @@ private:
 
     static constexpr qint64 most_bytes = qint64{32} << 20; // about 200,000 names of usual length
     static constexpr qint64 bytes_of_a_node = 48;
+    QByteArray root;
     const message_sender& send;
     worker_message message;
     int message_bytes = 0;
@@ -64,10 +74,23 @@ private:
     qint64 bytes = 0;
 };
 
+// Reads of an entry what its path is made of; the other columns are visited all the same, since their number counts.
+class name_reader : public container_reader {
+public:
+    using container_reader::get_record_values;
+    void get_record_values(libesedb_record_t* record, libesedb_error_t* error, QString column_name, int value_index,
+                           unsigned int column_type, QString directory, QStringList secure_directories) override {
+        const bool is_wanted =
+            column_name == QLatin1String("Filename") || column_name == QLatin1String("SecureDirectory");
+        container_reader::get_record_values(record, error, is_wanted ? column_name : QString(), value_index,
+                                            column_type, directory, secure_directories);
+    }
+};
+
 void read_names(const QString& root, const QString& file, const QStringList& tables, asked_collector& collector,
                 health_report& findings) {
     const QString database = root + file;
-    cache reader;
+    name_reader reader;
     const webcache_naming* naming = nullptr;
     reader.set_record_sink([&] {
         for (const specific_table::struct_ano_data& entry : qAsConst(reader.list_ano_data)) {
@@ -135,7 +158,7 @@ void compare_searches(const QString& root, const QString& hive, health_report& f
 void survey_staged(const worker_request& request, const message_sender& send) {
     worker_message checked;
     checked.what = worker_message::checked;
-    asked_collector collector(send);
+    asked_collector collector(request.source_root, send);
     for (const system_account& account : request.accounts) {
         const QString profile = QLatin1String(places::users_folder) + account.system_user;
         for (const evidence_place& place : places::in_profile) {

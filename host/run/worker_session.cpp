@@ -17,15 +17,28 @@ worker_session::worker_session(const worker_request& request, const extract_opti
     QObject::connect(&worker, &worker_process::worker_gone, &loop, [this](const worker_loss& loss) {
         lost = loss;
         is_gone = true;
+        clock.stop();
         loop.quit();
+        tell_end();
     });
     QObject::connect(&clock, &QTimer::timeout, &loop, [this] { look_round(); });
 }
 
-bool worker_session::run() {
+void worker_session::start_clock() {
     constexpr int look_round_ms = 50;
-    waits = false;
     clock.start(look_round_ms);
+}
+
+void worker_session::start(const std::function<void()>& gone) {
+    tell_end = gone;
+    has_begun = true;
+    start_clock();
+    worker.begin();
+}
+
+bool worker_session::run() {
+    waits = false;
+    start_clock();
     if (!has_begun) {
         has_begun = true;
         QTimer::singleShot(0, &loop, [this] { worker.begin(); });

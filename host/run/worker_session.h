@@ -18,6 +18,8 @@ public:
 
     // Starts it, or lets it go on after an answer. True: it waits for one; false: it is gone.
     bool run();
+    // Starts it and returns; gone is called at its end, from the event loop of the caller.
+    void start(const std::function<void()>& gone);
     void answer(const QByteArray& bytes) { worker.answer(bytes); }
     // A step of it begins: limits of time count from now.
     void step_began() { worker.step_began(); }
@@ -25,11 +27,13 @@ public:
 
 private:
     void look_round();
+    void start_clock();
 
     worker_process worker;
     QEventLoop loop;
     QTimer clock;
     worker_loss lost;
+    std::function<void()> tell_end = [] {};
     bool has_begun = false;
     bool waits = false;
     bool is_gone = false;

@@ -59,6 +59,22 @@ class test_sources : public QObject {
     void set_access_times(const QByteArray& source) const {
         files.run("find " + source + " -exec touch -a -d @1555526421 {} +");
     }
+    // Of the files of the source: path, changed, modified, accessed.
+    QByteArray all_times(const QByteArray& source) const {
+        files.run("find " + source + " -type f -printf '%p %C@ %T@ %A@\\n' | sort >times");
+        return whole_file(QString::fromUtf8(files.path("times")));
+    }
+    // Runs the script with the volume mounted at "mounted"; false: this machine does not let us.
+    bool with_mounted(const QByteArray& mount, const std::function<void()>& work) const {
+        files.run("mkdir -p mounted; if " + mount + " >/dev/null 2>&1; then touch is-mounted; fi");
+        const bool is_mounted = QFile::remove(QString::fromUtf8(files.path("is-mounted")));
+        if (is_mounted) {
+            work();
+            files.run("umount mounted");
+        }
+        return is_mounted;
+    }
+
     // A log that leads from the hive of anna to that of another profile, beside the unfinished hive.
     void make_unfinished_hive() {
         files.run("cp -a source unfinished");
@@ -84,8 +100,8 @@ private Q_SLOTS:
         files.run("mkdir -p source/Users/Public; find source -exec touch -m -d @1555526411 {} +");
         write_ntfs_image(files.path("disk.dd"), 12, files.path("source"));
         files.run("cp disk.dd copy.dd; ewfacquire -u -q -t disk copy.dd >/dev/null; split -b 3M -d -a 3 disk.dd part.");
-        files.run(
-            "cd source && zip -qr1 ../source.zip . && tar --sort=name -czf ../source.tgz . && 7zz a -bd ../source.7z . >/dev/null");
+        files.run("cd source && zip -qr1 ../source.zip . && tar --sort=name -czf ../source.tgz . && 7zz a -bd "
+                  "../source.7z . >/dev/null");
         files.run("mkdir -p upper/C && cp -a source/. upper/C && cd upper/C && mv Users USERS && mv USERS/anna/AppData "
                   "USERS/anna/appdata && mv USERS/anna/NTUSER.DAT USERS/anna/ntuser.dat");
         files.run(
@@ -127,8 +143,10 @@ private Q_SLOTS:
         const QByteArray bytes = whole_file(path);
         const QStringList before = everything_below(path);
         set_access_times(source);
+        const QByteArray times = all_times(source);
         const host_answer answer = extract(staged, source);
         QVERIFY2(answer.code == 0, answer.error.constData());
+        QVERIFY(is_image || all_times(source) == times); // libraries that open images let the access time change
         QCOMPARE(everything_below(path), before);
         QVERIFY(whole_file(path) == bytes);
         QCOMPARE(rows_of(staged, left_out), rows_of(from_folder, left_out));
@@ -142,6 +160,44 @@ private Q_SLOTS:
         QVERIFY(hive["path"_q].toString().startsWith(QString::fromUtf8(files.path(source) + '/')));
         QVERIFY(!hive["kind"_q].toString().isEmpty() && !hive["sha256"_q].toString().isEmpty());
         QCOMPARE(hive["created"_q].isNull(), not_told != "creation_time"_q);
+    }
+
+    void read_only_media_are_enough_data() {
+        QTest::addColumn<bool>("is_folder");
+        QTest::newRow("image") << false;
+        QTest::newRow("folder of another case") << true;
+    }
+    void read_only_media_are_enough() {
+        QFETCH(bool, is_folder);
+        files.run(
+            "mkdir -p medium && ln -f disk.dd medium && cp -a upper medium && mke2fs -qF -d medium medium.ext4 60M");
+        const host_case result;
+        host_answer answer = {};
+        const bool is_mounted = with_mounted("mount -o loop,ro medium.ext4 mounted", [&] {
+            answer = extract(result, is_folder ? "mounted/upper" : "mounted/disk.dd");
+        });
+        if (!is_mounted) {
+            QSKIP("this machine does not let us mount a volume", 0);
+        }
+        QVERIFY2(answer.code == 0, answer.error.constData());
+        const QStringList times{"creation_time"_q, "last_access_time"_q};
+        QCOMPARE(rows_of(result, times), rows_of(from_folder, times));
+    }
+
+    void takes_exfat() {
+        files.run("truncate -s 16M volume.exfat && mkfs.exfat volume.exfat >/dev/null");
+        const bool is_mounted =
+            with_mounted("losetup -f --show volume.exfat >loop && mount.exfat-fuse $(cat loop) mounted",
+                         [&] { files.run("cp -r source/. mounted/ && touch -d @1555526411 mounted/Users"); });
+        files.run("if [ -s loop ]; then losetup -d $(cat loop); fi");
+        if (!is_mounted) {
+            QSKIP("this machine does not let us mount a volume", 0);
+        }
+        const host_case result;
+        const host_answer answer = extract(result, "volume.exfat");
+        QVERIFY2(answer.code == 0, answer.error.constData());
+        const QStringList times{"creation_time"_q, "last_access_time"_q, "modification_time"_q};
+        QCOMPARE(rows_of(result, times), rows_of(from_folder, times));
     }
 
     void logs_of_an_unfinished_hive_are_applied_to_a_copy() {

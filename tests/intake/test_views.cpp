@@ -198,6 +198,12 @@ private Q_SLOTS:
         QCOMPARE(open("both", 2).volumes.at(1).file_system, "ntfs"_q);
         QCOMPARE(open("both", 1).volumes.at(0).offset, qint64{2048} * 512);
         QCOMPARE(open("mbr", 1).problem, "it holds no folder Users"_q);
+        // What is left of a GPT when the disk was divided anew counts no more.
+        files.run(
+            "truncate -s 18M new; printf 'label: dos\nstart=8192,size=24576,type=7\n' | sfdisk -q new; cp gpt stale;"
+            "dd if=new of=stale bs=512 count=1 conv=notrunc status=none");
+        QCOMPARE(open("stale").volume, 1);
+        QCOMPARE(open("gpt").volume, 2);
         QCOMPARE(open("mbr", 3).problem, "it has no volume 3, only 1 to 2"_q);
     }
 
