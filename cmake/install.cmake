@@ -21,6 +21,13 @@ file(RELATIVE_PATH CORTANA_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfi
 configure_file(cmake/package/cortana.pc.in cortana.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/cortana.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
+install(FILES ${CMAKE_BINARY_DIR}/manual/cortana.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES ${CMAKE_BINARY_DIR}/manual/cortana-result.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+install(FILES packaging/completions/cortana.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+  RENAME cortana)
+install(FILES packaging/completions/_cortana DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+install(FILES packaging/completions/cortana.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs FILES_MATCHING
   PATTERN *.md PATTERN *.json PATTERN *.svg PATTERN *.png)

@@ -3,7 +3,6 @@
 #include "ese/cache.h"
 #include "extractors/step_columns.h"
 #include "extractors/steps.h"
-#include "extractors/webcache_paths.h"
 #include "extractors/webcache_procedure.h"
 
 namespace {
@@ -21,8 +20,7 @@ const webcache_step step{
         "last_accessed_timestamp,sync_timestamp,expiration_timestamp,source_file, os_scheme_display,"
         "source_count_name) VALUES(0,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)",
     },
-    QStringLiteral("Content"),
-    windows_path_in_secure_directory,
+    cache_files_naming,
     whole_url,
 };
 

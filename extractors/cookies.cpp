@@ -3,12 +3,11 @@
 #include "ese/cookies.h"
 #include "extractors/step_columns.h"
 #include "extractors/steps.h"
-#include "extractors/webcache_paths.h"
 #include "extractors/webcache_procedure.h"
 
 namespace {
 
-// Deliberate: three blanks in the failure line, and no secure sub-directory in the path, whatever an entry names.
+// Deliberate: three blanks in the failure line.
 const webcache_step step{
     {
         "void cortana_winos::extract_cookies()",
@@ -22,8 +21,7 @@ const webcache_step step{
         "last_accessed_timestamp,sync_timestamp,expiration_timestamp,source_file, os_scheme_display,"
         "source_count_name) VALUES(0,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)",
     },
-    QStringLiteral("Cookies"),
-    windows_path_in_directory,
+    cookies_naming,
     url_without_user,
 };
 

@@ -3,7 +3,6 @@
 #include "ese/domstore.h"
 #include "extractors/step_columns.h"
 #include "extractors/steps.h"
-#include "extractors/webcache_paths.h"
 #include "extractors/webcache_procedure.h"
 
 namespace {
@@ -23,8 +22,7 @@ const webcache_step step{
         "last_accessed_timestamp,sync_timestamp,expiration_timestamp,source_file, os_scheme_display,"
         "source_count_name)VALUES(0,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)",
     },
-    QStringLiteral("DOMStore"),
-    windows_path_in_secure_directory,
+    domstore_naming,
     url_without_domstore,
 };
 

@@ -28,8 +28,8 @@ void write_records(step_run& run, const search_step& step, const registry& walke
         if (run.cancelled()) {
             return;
         }
-        const QByteArray bytes = step.searched_bytes(record);
-        const search_row row{origin, step.text(bytes), step.time(bytes)};
+        const QByteArray bytes = step.rule.searched_bytes(record);
+        const search_row row{origin, step.rule.text(bytes), step.rule.time(bytes)};
         if (!row.keyword.isEmpty() || !row.time.isEmpty()) {
             run.insert(bound_values(columns, row));
         }
@@ -48,7 +48,7 @@ void walk_hives(step_run& run, const search_step& step, registry& walker, const 
             return;
         }
         walker.record_list.clear();
-        walker.start_registry_parse(hive, QLatin1String(step.key_path), false);
+        walker.start_registry_parse(hive, QLatin1String(step.rule.key_path), false);
         if (run.cancelled()) {
             return;
         }

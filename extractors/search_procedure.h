@@ -3,9 +3,9 @@
 // which a search text or a search time is found. An extractor describes itself as a search_step and makes one call.
 #pragma once
 
+#include "extractors/search_rules.h"
 #include "extractors/step_columns.h"
 #include "extractors/step_run.h"
-#include "registry/registry.h"
 
 #include <QStringList>
 
@@ -14,10 +14,7 @@
 // One extractor as data.
 struct search_step {
     step_texts texts;
-    const char* key_path;
-    QByteArray (*searched_bytes)(const registry::my_data_inst_apps& record); // what both cutters work on
-    QString (*text)(const QByteArray& bytes);
-    QString (*time)(const QByteArray& bytes);
+    const search_rule& rule;
 };
 
 // The statement and what both extractors bind to it.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Result table searches, second half: search addresses filed as file extensions.
 #include "extractors/search_procedure.h"
-#include "extractors/search_text.h"
 #include "extractors/steps.h"
 #include "registry/search_from_com.h"
 
@@ -17,10 +16,7 @@ const search_step step{
         "INSERT INTO searches(bookmark,system_user,domain_user,search_keyword,search_timestamp,source_file, "
         "os_scheme_display,source_count_name) VALUES (0,?,?,?,?,?,?,?)",
     },
-    "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts",
-    [](const registry::my_data_inst_apps& record) { return record.key_name.toLocal8Bit(); },
-    search_text_in_name,
-    search_time_in_name,
+    com_rule,
 };
 
 } // namespace

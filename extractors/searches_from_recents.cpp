@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Result table searches, first half: what the recent-documents key keeps of searches.
 #include "extractors/search_procedure.h"
-#include "extractors/search_text.h"
 #include "extractors/steps.h"
 #include "registry/text_search_registry.h"
 
@@ -17,10 +16,7 @@ const search_step step{
         "INSERT INTO searches(bookmark,system_user,domain_user,search_keyword,search_timestamp,source_file, "
         "os_scheme_display,source_count_name) VALUES (0,?,?,?,?,?,?,?)",
     },
-    "\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\RecentDocs",
-    [](const registry::my_data_inst_apps& record) { return record.value_data; },
-    search_text_in_value,
-    search_time_in_value,
+    recents_rule,
 };
 
 } // namespace

@@ -19,6 +19,17 @@ QString windows_path_in_secure_directory(const specific_table::struct_ano_data& 
 // directory + file name, the package's name corrected.
 QString windows_path_in_directory(const specific_table::struct_ano_data& entry);
 
+// Which containers a table's rows come from, and the path that an entry of one stands for.
+struct webcache_naming {
+    const char* table;
+    const char* container_name;
+    QString (*windows_path)(const specific_table::struct_ano_data& entry);
+};
+inline constexpr webcache_naming cache_files_naming{"cache_files", "Content", windows_path_in_secure_directory};
+// Deliberate: no secure sub-directory, whatever an entry names.
+inline constexpr webcache_naming cookies_naming{"cookies", "Cookies", windows_path_in_directory};
+inline constexpr webcache_naming domstore_naming{"domstore", "DOMStore", windows_path_in_secure_directory};
+
 // windows_path with the source root in place of every "C:/".
 QString on_disk_path(const QString& windows_path, const QString& root);
 

@@ -2,7 +2,6 @@
 // Reads "Containers" of each file, then the selected containers one after the other.
 #include "extractors/webcache_procedure.h"
 
-#include "extractors/webcache_paths.h"
 #include "source/source_guard.h"
 
 const bindings<webcache_row>& webcache_columns() {
@@ -58,7 +57,8 @@ public:
             return;
         }
         for (const specific_table::struct_container_data& container : qAsConst(reader.list_container_data)) {
-            if (is_cortana_container(container, step.container_name) && !read_container(file, container)) {
+            if (is_cortana_container(container, QLatin1String(step.naming.container_name)) &&
+                !read_container(file, container)) {
                 return;
             }
         }
@@ -89,7 +89,7 @@ private:
 
     webcache_row row_of(const specific_table::struct_ano_data& entry) {
         const QString& root = run.context.fs_extraction_source_path;
-        const QString windows_path = step.windows_path(entry);
+        const QString windows_path = step.naming.windows_path(entry);
         const QString on_disk = on_disk_path(windows_path, root);
         return {
             origin, entry, windows_path, path_below_root(on_disk, root), guard.exists(on_disk), step.url(entry.url)};

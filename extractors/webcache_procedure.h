@@ -3,9 +3,9 @@
 // entry. A step describes itself as a webcache_step and makes one call of run_webcache_step.
 #pragma once
 
-#include "ese/specific_table.h"
 #include "extractors/row_values.h"
 #include "extractors/step_run.h"
+#include "extractors/webcache_paths.h"
 
 #include <QStringList>
 
@@ -14,8 +14,7 @@
 // One step as data.
 struct webcache_step {
     step_texts texts; // the statement takes the values of webcache_columns()
-    QString container_name;
-    QString (*windows_path)(const specific_table::struct_ano_data& entry);
+    webcache_naming naming;
     QString (*url)(const QString& url);
 };
 

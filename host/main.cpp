@@ -3,6 +3,7 @@
 #include "host/commands/batch_command.h"
 #include "host/commands/batch_manifest_command.h"
 #include "host/commands/check_command.h"
+#include "host/commands/completion.h"
 #include "host/commands/diff_command.h"
 #include "host/commands/export_command.h"
 #include "host/commands/extract_command.h"
@@ -98,6 +99,9 @@ int main(int argc, char** argv) {
         int one = 1;
         const QCoreApplication application(one, only_program);
         settle_file_name_encoding();
+        if (argc > 1 && std::strcmp(argv[1], complete_word) == 0) {
+            return run_complete_command(words_of(argc, argv).mid(2));
+        }
         take_qt_messages(false);
         return run(read_command_line(argc > 0 ? words_of(argc, argv) : QStringList(QStringLiteral("cortana"))));
     } catch (const std::exception& fault) {

@@ -38,9 +38,13 @@ echo "build_libesedb: fetching libesedb $revision from $suite"
 
 echo "build_libesedb: building libesedb $version (about a minute, log in build/deps/libesedb-build.log)"
 (cd "$work/source/unpacked" &&
-    CFLAGS="-O2 -g -fPIC -fvisibility=hidden" ./configure --prefix="$prefix" --disable-shared --enable-static \
+    CFLAGS="-O2 -g -fPIC -fvisibility=hidden -ffile-prefix-map=$PWD=libesedb" ./configure --prefix="$prefix" --localedir=/usr/share/locale --disable-shared --enable-static \
         --with-pic --disable-nls --disable-python &&
     make -j"$(nproc)" && make install) >"$top/build/deps/libesedb-build.log" 2>&1 ||
     { tail -n 20 "$top/build/deps/libesedb-build.log" >&2; exit 1; }
+# What the library is made of, for the list of what is linked in statically: a name and a version a line.
+ar t "$prefix/lib/libesedb.a" | sed 's/[_.].*//' | sort -u | while read -r part; do
+    echo "$part $(sed -n "s/^#define ${part^^}_VERSION[[:space:]]*\([0-9]\)/\1/p" "$work/source/unpacked/$part/${part}_definitions.h")"
+done >"$prefix/parts"
 rm -rf "$work"
 touch "$stamp"

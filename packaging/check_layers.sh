@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 rooms=(contract source common ese registry samples result_db extractors
-    host host/health host/record host/intake host/exports host/run host/batch host/commands plugin)
+    host host/health host/record host/intake host/exports host/run host/batch host/commands host/manual plugin)
 bad=0
 rank() { # of the room that a file or an include lies in
     local i

@@ -1,19 +1,21 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs what a build needs on Debian 12 or 13, and nothing that is already there.
-# Usage: packaging/setup.sh [lint] [test] [bench]   (the extra words add what the checks, tests or benchmarks need)
+# Usage: packaging/setup.sh [lint] [test] [bench] [deb]
+# The extra words add what the checks, the tests, the benchmarks or packages need.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 
 packages=(g++ cmake ninja-build pkg-config qtbase5-dev libqt5sql5-sqlite libarchive-dev libbfio-dev libhivex-dev
-    libmimalloc-dev libseccomp-dev libsqlite3-dev libssl-dev libtsk-dev libxlsxwriter-dev ntfs-3g-dev)
+    libmimalloc-dev libminizip-dev libseccomp-dev libsqlite3-dev libssl-dev libtsk-dev libxlsxwriter-dev ntfs-3g-dev)
 for extra in "$@"; do
     case "$extra" in
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev) ;;
         test)
-            packages+=(chromium gdal-bin python3-html5lib python3-jsonschema python3-openpyxl sleuthkit)
+            packages+=(chromium fish gdal-bin python3-html5lib python3-jsonschema python3-openpyxl sleuthkit zsh)
             packages+=(7zip bzip2 dosfstools ewf-tools fdisk mtools ntfs-3g qemu-utils xz-utils zip zstd)
             ;;
+        deb) packages+=(debhelper dpkg-dev lintian) ;;
         bench) packages+=(sqlite3 libwin-hivex-perl libhivex-bin) ;;
         *) echo "setup: unknown word '$extra'" >&2; exit 2 ;;
     esac

@@ -21,6 +21,7 @@
 #include <QTemporaryDir>
 
 #include <cerrno>
+#include <future>
 #include <unistd.h>
 
 namespace batch {
@@ -71,7 +72,7 @@ public:
         if (!merge_rows(database)) {
             return answer;
         }
-        publish(result, database);
+        publish(result);
         return answer;
     }
 
@@ -131,18 +132,23 @@ private:
         return true;
     }
 
+    // The next source is read for its digest while the rows of the one before are taken.
     bool merge_rows(const QString& database) {
         merged_database merged;
         bool done = merged.create(database);
-        for (surveyed_source& one : sources) {
+        std::future<QString> next = trouble_of(0);
+        for (int i = 0; i < sources.size(); ++i) {
+            surveyed_source& one = sources[i];
+            const QString trouble = next.get();
+            next = trouble_of(i + 1);
             if (cancelled()) {
                 refuse(exit_failures, QStringLiteral("cancelled"));
                 return false;
             }
-            source_row row = row_of(one);
-            if (done && one.state == source_state::done && !check(one, row)) {
+            if (!trouble.isEmpty() && !take_as_failed(one, trouble)) {
                 return false;
             }
+            source_row row = row_of(one);
             done = done && (one.state != source_state::done || add_rows(merged, one, row)) && merged.add_source(row);
             if (!done) {
                 refuse(exit_output, QStringLiteral("%1: %2").arg(one.source.id, merged.error()));
@@ -168,17 +174,21 @@ private:
         return row;
     }
 
-    // A result that is not what its run wrote counts as failed.
-    bool check(surveyed_source& one, source_row& row) {
-        const QString database = database_of(out_folder(options.out).result(one.source.id));
-        QString trouble = difference_of(database, one.record.database_sha256);
-        trouble = trouble.isEmpty() ? difference_of(links_file(database), one.record.links_sha256) : trouble;
-        if (trouble.isEmpty()) {
-            return true;
-        }
+    // Why the result of a done source is not what its run wrote; empty: it is, or the source is not done.
+    std::future<QString> trouble_of(int index) const {
+        const bool is_done = index < sources.size() && sources[index].state == source_state::done;
+        const QString database =
+            is_done ? database_of(out_folder(options.out).result(sources[index].source.id)) : QString();
+        const batch_record record = is_done ? sources[index].record : batch_record();
+        return std::async(std::launch::async, [is_done, database, record] {
+            const QString trouble = is_done ? difference_of(database, record.database_sha256) : QString();
+            return is_done && trouble.isEmpty() ? difference_of(links_file(database), record.links_sha256) : trouble;
+        });
+    }
+
+    bool take_as_failed(surveyed_source& one, const QString& trouble) {
         one.state = source_state::failed;
         one.reason = trouble;
-        row = row_of(one);
         answer.failed.append({one.source.id, trouble});
         return go_on();
     }
@@ -198,15 +208,14 @@ private:
         return done;
     }
 
-    QByteArray record(const QString& database) const {
+    QByteArray record() const {
         const QJsonObject object{{QStringLiteral("format"), merge_format},
                                  {QStringLiteral("version"), QStringLiteral(CORTANA_VERSION)},
                                  {QStringLiteral("sources"), answer.sources},
                                  {QStringLiteral("missing"), ids_of(answer.missing)},
                                  {QStringLiteral("failed"), ids_of(answer.failed)},
                                  {QStringLiteral("with_failures"), ids_of(answer.with_failures)},
-                                 {QStringLiteral("rows"), answer.rows},
-                                 {QStringLiteral("database_sha256"), QString::fromLatin1(digest_of_file(database))}};
+                                 {QStringLiteral("rows"), answer.rows}};
         return QJsonDocument(object).toJson(QJsonDocument::Indented);
     }
 
@@ -218,13 +227,13 @@ private:
         return ids;
     }
 
-    void publish(const QString& result, const QString& database) {
+    void publish(const QString& result) {
         QString reason;
         source_lock lock;
         const QString file = QStringLiteral("%1/.%2.partial.lock").arg(parent(), name());
         const QString holder = QStringLiteral("host %1, process %2").arg(QSysInfo::machineHostName()).arg(::getpid());
         if (!lock.take(file, holder, reason) ||
-            !write_whole(result + QStringLiteral("/merge.json"), record(database), reason) ||
+            !write_whole(result + QStringLiteral("/merge.json"), record(), reason) ||
             !publish_folder(result, parent(), name(), reason)) {
             refuse(exit_output, reason);
         } else {

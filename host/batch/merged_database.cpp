@@ -72,7 +72,7 @@ bool merged_database::create(const QString& wanted) {
     if (code != SQLITE_OK || sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr) != SQLITE_OK) {
         return fail();
     }
-    bool done = run("pragma page_size=4096") && run("pragma journal_mode=off") && run("pragma synchronous=off") &&
+    bool done = run("pragma page_size=32768") && run("pragma journal_mode=off") && run("pragma synchronous=off") &&
                 run("pragma locking_mode=exclusive") && run("pragma cache_size=-65536") && run("begin");
     for (const result_table& table : result_tables()) {
         done = done && run(table.create_statement);
@@ -95,7 +95,7 @@ bool merged_database::make_links() {
     if (has_links) {
         return true;
     }
-    bool done = attach(links_file(file), "links", {}) && run("pragma links.page_size=4096") &&
+    bool done = attach(links_file(file), "links", {}) && run("pragma links.page_size=32768") &&
                 run("pragma links.journal_mode=off") && run("pragma links.synchronous=off") && run("begin");
     for (const char* const statement : links_schema()) {
         QByteArray text(statement);

@@ -100,6 +100,48 @@ bool copy_folder(const fs::path& from, const fs::path& to, QString& error) {
     return sync_folder(to, error);
 }
 
+// What stands there already becomes what a copy of it would be: without hidden files, and on the disk.
+bool settle_folder(const fs::path& folder, QString& error) {
+    std::error_code trouble;
+    for (fs::directory_iterator entry(folder, trouble), end; !trouble && entry != end; entry.increment(trouble)) {
+        const fs::file_status status = entry->symlink_status(trouble);
+        if (entry->path().filename().native()[0] == '.') {
+            fs::remove_all(entry->path(), trouble);
+        } else if (fs::is_directory(status) && !settle_folder(entry->path(), error)) {
+            return false;
+        } else if (fs::is_regular_file(status)) {
+            const owned_descriptor file(::open(entry->path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+            if (file.get() < 0 || ::fsync(file.get()) != 0) {
+                error = failure(entry->path(), errno);
+                return false;
+            }
+        }
+    }
+    if (trouble) {
+        error = failure(folder, trouble.value());
+        return false;
+    }
+    return sync_folder(folder, error);
+}
+
+bool share_a_file_system(const fs::path& one, const QString& other) {
+    struct stat first = {};
+    struct stat second = {};
+    return ::stat(one.c_str(), &first) == 0 && ::stat(native(other).c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev;
+}
+
+// Moves the folder where that is possible.
+bool bring(const fs::path& finished, const QString& parent, const fs::path& partial, QString& error) {
+    if (!share_a_file_system(finished, parent)) {
+        return copy_folder(finished, partial, error);
+    }
+    if (!settle_folder(finished, error)) {
+        return false;
+    }
+    return std::rename(finished.c_str(), partial.c_str()) == 0 || copy_folder(finished, partial, error);
+}
+
 QString aside(const QString& parent, const QString& name) {
     return parent + QStringLiteral("/.") + name + QStringLiteral(".old");
 }
@@ -129,7 +171,7 @@ bool publish_folder(const QString& finished, const QString& parent, const QStrin
     const QString there = parent + QLatin1Char('/') + name;
     const QString partial = parent + QStringLiteral("/.") + name + QStringLiteral(".partial");
     remove_folder(partial);
-    if (!copy_folder(native(finished), native(partial), error)) {
+    if (!bring(native(finished), parent, native(partial), error)) {
         remove_folder(partial);
         return false;
     }

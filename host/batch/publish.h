@@ -7,9 +7,9 @@
 namespace batch {
 
 // Copies the regular files and folders of finished, hidden files left out, to PARENT/.NAME.partial (what is there is
-// removed), brings them to the disk, and gives the copy its name. One that has the name is put aside first and removed
-// afterwards. The caller sees to it that no other does the same. False: error says why, and what had the name still has
-// it, or has it again after take_back().
+// removed), or moves it there within one file system; brings all to the disk, and gives it its name. One that has the
+// name is put aside first and removed afterwards. The caller sees to it that no other does the same. False: error says
+// why, and what had the name still has it, or has it again after take_back().
 bool publish_folder(const QString& finished, const QString& parent, const QString& name, QString& error);
 
 // Gives a folder that was put aside its name back, when a run died before the new one had it.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Locks of an open file, not of a process: they can be asked about, which flock(2) cannot, and NFS knows them.
+// Locks of a process: unlike those of flock(2) they can be asked about, no child inherits them for a moment, and NFS
+// knows them. They end when the process closes the file anywhere, so it opens the file once.
 #include "host/batch/source_lock.h"
 
 #include "source/native_names.h"
@@ -49,7 +50,7 @@ bool source_lock::take(const QString& file, const QString& holder, QString& reas
     for (int i = 0; i < most_tries; ++i) {
         const int opened = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
         struct flock lock = whole_file();
-        if (opened < 0 || ::fcntl(opened, F_OFD_SETLK, &lock) != 0) {
+        if (opened < 0 || ::fcntl(opened, F_SETLK, &lock) != 0) {
             const int error = errno;
             const bool busy = opened >= 0 && (error == EAGAIN || error == EACCES);
             reason = busy ? QStringLiteral("another run works on it: %1").arg(content_of(opened)) : error_words(error);
@@ -86,7 +87,7 @@ lock_state look_at_lock(const QString& file, QString& holder) {
         return lock_state::none;
     }
     struct flock lock = whole_file();
-    const bool held = ::fcntl(opened, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    const bool held = ::fcntl(opened, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
     holder = content_of(opened);
     ::close(opened);
     return held ? lock_state::held : lock_state::left_behind;

@@ -49,7 +49,7 @@ QByteArray as_json(const run_summary& summary, int code) {
         files.append(to_json(file));
     }
     for (const char* const of_a_run : {"database", "debug_log", "rows", "rows_added", "runs", "sources_found",
-                                       "failures", "first_failures", "output_troubles"}) {
+                                       "failures", "first_failures", "staged_copies", "output_troubles"}) {
         document.remove(QLatin1String(of_a_run));
     }
     document.insert(QStringLiteral("exit_code"), code);
@@ -78,7 +78,7 @@ int run_check_command(const extract_options& options) {
     if (!open_examined(options, source, staging, examined, code)) {
         return code;
     }
-    const QList<system_account> accounts = choose_profiles(options, examined.root, summary.health, code);
+    const QList<system_account> accounts = choose_profiles(options, examined, summary.health, code);
     if (accounts.isEmpty()) {
         return code;
     }

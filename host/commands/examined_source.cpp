@@ -93,25 +93,47 @@ void say_losses(const run_summary& summary) {
     }
 }
 
-QList<system_account> choose_profiles(const extract_options& options, const QByteArray& source, health_report& findings,
-                                      int& code) {
+namespace {
+
+// The profiles that were staged: in the staging folder stand names of others, too.
+QList<system_account> staged_profiles(const staging_outcome& staged, health_report& findings) {
+    QList<system_account> accounts;
+    for (const QByteArray& name : staged.profiles) {
+        if (is_utf8(name)) {
+            accounts.append({QFile::decodeName(name), QStringLiteral("")});
+        } else {
+            findings.add_problem(shown_path(name), QStringLiteral("its name is not UTF-8: it cannot be passed on"));
+        }
+    }
+    return accounts;
+}
+
+QString why_no_profiles(const extract_options& options, const examined_source& source, bool has_users) {
+    return source.is_staged ? QStringLiteral("the source %1 holds no profile").arg(options.source)
+           : has_users ? QStringLiteral("%1 holds no profile").arg(shown_path(source.root) + QStringLiteral("/Users"))
+                       : QStringLiteral("the source %1 holds no folder Users").arg(options.source);
+}
+
+} // namespace
+
+QList<system_account> choose_profiles(const extract_options& options, const examined_source& source,
+                                      health_report& findings, int& code) {
     struct stat status = {};
     const std::function<bool()> cancelled = is_cancelled;
-    source_health health(source, options.tables, cancelled, findings);
-    const QByteArray users = health.users_folder();
-    if (!options.users.isEmpty() && ::lstat(users.constData(), &status) == 0) {
+    source_health health(source.root, options.tables, cancelled, findings);
+    const bool has_users = ::lstat(health.users_folder().constData(), &status) == 0;
+    if (!options.users.isEmpty() && has_users) {
         return options.users;
     }
-    const QList<system_account> accounts = health.profiles();
+    const QList<system_account> accounts =
+        source.is_staged ? staged_profiles(source.staging, findings) : health.profiles();
     if (!accounts.isEmpty() && options.users.isEmpty()) {
         return accounts;
     }
-    say_findings(findings, options.quiet);
-    const bool unreadable = findings.problem_count > 0;
-    code = unreadable ? exit_failures
-                      : refuse(exit_nothing_found,
-                               ::lstat(users.constData(), &status) == 0
-                                   ? QStringLiteral("%1 holds no profile").arg(shown_path(users))
-                                   : QStringLiteral("the source %1 holds no folder Users").arg(options.source));
+    health_report all = findings;
+    all.add(source.staging.findings);
+    say_findings(all, options.quiet);
+    code =
+        all.problem_count > 0 ? exit_failures : refuse(exit_nothing_found, why_no_profiles(options, source, has_users));
     return {};
 }

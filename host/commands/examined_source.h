@@ -31,8 +31,8 @@ QString root_with_slash(const QByteArray& source);
 
 // The profiles to examine: those that were asked for, else those of the source. Empty, with the exit code set and the
 // reason said, when there are none. What was seen on the way goes to findings.
-QList<system_account> choose_profiles(const extract_options& options, const QByteArray& source, health_report& findings,
-                                      int& code);
+QList<system_account> choose_profiles(const extract_options& options, const examined_source& source,
+                                      health_report& findings, int& code);
 
 // Say on standard error, a line each. quiet: no notes.
 void say_findings(const health_report& health, bool quiet);

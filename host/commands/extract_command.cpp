@@ -93,6 +93,10 @@ int report(const run_summary& summary, const extract_options& options, const wan
                 ? QStringLiteral("cancelled")
                 : QStringLiteral("cancelled; not examined: ") + summary.not_examined.join(QStringLiteral(", ")));
     }
+    if (!summary.staged_copies.isEmpty() && !options.keep_staged) {
+        say(QStringLiteral("the run was not complete: the copies that rows come from are left in ") +
+            summary.staged_copies);
+    }
     if (code == exit_nothing_found) {
         say(QStringLiteral("no Cortana data, web cache or registry hive was found in any chosen profile"));
     }
@@ -101,23 +105,32 @@ int report(const run_summary& summary, const extract_options& options, const wan
                : refuse(exit_output, QStringLiteral("standard output cannot be written"));
 }
 
-// Removes what was staged at the end of a run.
+// Owns what this run stages: of a run that leaves no record, nothing stays.
 class staged_copies {
 public:
-    staged_copies(const examined_source& source, const QString& staging, bool are_kept)
-        : examined(source), folder(staging), keep(are_kept) {}
-    ~staged_copies() {
-        if (examined.has_copies && !keep) {
-            remove_staged(folder);
-        }
-    }
+    staged_copies(const examined_source& source, const QString& staging) : examined(source), folder(staging) {}
+    ~staged_copies() { remove_unless(stays); }
     staged_copies(const staged_copies&) = delete;
     staged_copies& operator=(const staged_copies&) = delete;
 
+    // Copies are worth their room while there is something to be looked into: not after a complete run.
+    void settle(bool are_wanted, run_summary& summary) {
+        const int code = exit_code_of(summary);
+        stays = examined.is_staged && (are_wanted || (code != exit_complete && code != exit_nothing_found));
+        summary.staged_copies = stays ? folder : QString();
+        remove_unless(stays);
+    }
+
 private:
+    void remove_unless(bool keep) const {
+        if (examined.has_copies && !keep) { // else those of an earlier run may stand there, or of one that runs now
+            remove_staged(folder);
+        }
+    }
+
     const examined_source& examined;
     const QString& folder;
-    bool keep;
+    bool stays = false;
 };
 
 // Folder and lock of the result. False: the exit code is set and the reason said.
@@ -163,7 +176,7 @@ QList<system_account> open_profiles(const extract_options& options, const QByteA
         take_back_output(summary.output, made);
         return {};
     }
-    const QList<system_account> accounts = choose_profiles(options, examined.root, summary.health, code);
+    const QList<system_account> accounts = choose_profiles(options, examined, summary.health, code);
     if (accounts.isEmpty() || !prepare_output(summary.output, lock, code)) {
         return {};
     }
@@ -212,7 +225,7 @@ int run_extract_command(const extract_options& options) {
     }
     run_lock lock;
     examined_source examined;
-    const staged_copies copies(examined, summary.output.staged, options.keep_staged);
+    staged_copies copies(examined, summary.output.staged);
     const QList<system_account> accounts = open_profiles(options, source, summary, lock, examined, code);
     if (accounts.isEmpty()) {
         return code;
@@ -229,6 +242,7 @@ int run_extract_command(const extract_options& options) {
     if (!summary.fault.isEmpty()) {
         return refuse(exit_internal, summary.fault);
     }
+    copies.settle(options.keep_staged, summary);
     QString reason;
     if (!write_run_record(summary, {options.words, started, QDateTime::currentDateTimeUtc(), options.sandbox},
                           reason)) {

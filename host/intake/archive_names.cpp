@@ -26,7 +26,8 @@ archive_path path_in_archive(const QByteArray& name) {
         if (!is_plain_name(part)) {
             return {{}, part == ".." ? "its name leads upwards (..)" : "its name holds a zero byte"};
         }
-        path = joined(path, part);
+        path += path.isEmpty() ? QByteArray() : QByteArray("/");
+        path += part;
     }
     return {path, nullptr};
 }

@@ -49,6 +49,12 @@ private:
 };
 
 QString archive_index::add(const archive_reader& reader, qint64 place) {
+    // Counted are those that were passed, too: an entry that is there a million times costs as much as so many others.
+    if (place >= limit.most_entries || qint64(entries.size()) >= limit.most_entries ||
+        name_bytes >= limit.most_name_bytes) {
+        return QStringLiteral("it holds more entries than can be kept (%1): unpack it and give the folder")
+            .arg(limit.most_entries);
+    }
     const QByteArray name = reader.name();
     const archive_path named = path_in_archive(name);
     if (named.refusal != nullptr || name.isEmpty()) {
@@ -58,10 +64,6 @@ QString archive_index::add(const archive_reader& reader, qint64 place) {
     }
     if (named.path.isEmpty()) {
         return {};
-    }
-    if (qint64(entries.size()) >= limit.most_entries || name_bytes >= limit.most_name_bytes) {
-        return QStringLiteral("it holds more entries than can be kept (%1): unpack it and give the folder")
-            .arg(limit.most_entries);
     }
     kept_entry kept{reader.described(), place};
     judge(named.path, kept.entry);
@@ -97,18 +99,22 @@ void archive_index::judge(const QByteArray& path, view_entry& entry) {
     }
 }
 
-// The folders on the way, which need not be entries of their own.
+// The folders on the way, which need not be entries of their own. Of a kept folder all those above it are kept.
 bool archive_index::make_parents(const QByteArray& path) {
-    for (int slash = path.indexOf('/'); slash >= 0; slash = path.indexOf('/', slash + 1)) {
-        const QByteArray parent = path.left(slash);
-        const kept_entry* const known = find(parent);
-        if (known == nullptr) {
-            kept_entry implied;
-            implied.entry.kind = entry_kind::folder;
-            keep(parent, implied);
-        } else if (known->entry.kind != entry_kind::folder) {
-            return false;
-        }
+    const kept_entry* known = nullptr;
+    QVector<QByteArray> missing;
+    QByteArray parent = path.left(qMax(0, path.lastIndexOf('/')));
+    while (!parent.isEmpty() && (known = find(parent)) == nullptr) { // the last one is the deepest that is kept
+        missing.append(parent);
+        parent.truncate(qMax(0, parent.lastIndexOf('/')));
+    }
+    if (known != nullptr && known->entry.kind != entry_kind::folder) {
+        return false;
+    }
+    kept_entry implied;
+    implied.entry.kind = entry_kind::folder;
+    for (const QByteArray& folder : qAsConst(missing)) {
+        keep(folder, implied);
     }
     return true;
 }

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Folders are listed once each, until what is remembered grows too large.
+// Folders are listed once each, until what is remembered grows too large. The folders above the asked one stay then:
+// a folder with very many others in it must not be listed anew for each of them.
 #include "host/intake/entry_finder.h"
 
 #include "host/intake/names.h"
+
+#include <iterator>
 
 namespace intake {
 
@@ -23,12 +26,20 @@ std::shared_ptr<const entry_finder::folder_index> entry_finder::listed(const QBy
         index->by_folded_name[folded(windows_name(index->listing.entries[i].name))].append(i);
     }
     if (known_entries > most_remembered) {
-        known.clear();
-        known_entries = 0;
+        forget_all_beside(path);
     }
     known_entries += index->listing.entries.size() + 1;
     known.insert(path, index);
     return index;
+}
+
+void entry_finder::forget_all_beside(const QByteArray& path) {
+    known_entries = 0;
+    for (auto one = known.begin(); one != known.end();) {
+        const bool is_above = one.key().isEmpty() || path.startsWith(one.key() + '/');
+        known_entries += is_above ? (*one)->listing.entries.size() + 1 : 0;
+        one = is_above ? std::next(one) : known.erase(one);
+    }
 }
 
 found_entry entry_finder::find(const QByteArray& base, const QByteArray& wanted) {

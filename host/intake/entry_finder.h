@@ -37,6 +37,7 @@ private:
         QHash<QByteArray, QVector<int>> by_folded_name;
     };
     std::shared_ptr<const folder_index> listed(const QByteArray& path);
+    void forget_all_beside(const QByteArray& path);
 
     source_view& source;
     bool decodes;

@@ -114,40 +114,51 @@ public:
     }
 
 private:
-    // Makes the folder the last one, listed and with its entries' numbers.
+    // A folder on the way from the top to the last one.
+    struct level {
+        QByteArray path;
+        TSK_INUM_T number;
+        QHash<QByteArray, TSK_INUM_T> folders; // in it
+    };
+
+    // Makes the folder the last one, listed and with its entries' numbers. The levels above it are not listed anew.
     bool enter(const QByteArray& path, QString& problem) {
         if (has_last && path == last_path) {
             return true;
         }
-        QByteArray reached;
-        TSK_INUM_T number = system->root_inum;
-        for (const QByteArray& name : path.isEmpty() ? QList<QByteArray>() : path.split('/')) {
-            const QByteArray next = joined(reached, name);
-            if (!folders.contains(next) && !list_folder(reached, number, problem)) {
-                return false;
-            }
-            const auto known = folders.constFind(next);
-            if (known == folders.constEnd()) {
+        const auto is_above = [&](const QByteArray& folder) { // at least one name
+            return folder.isEmpty() ? !path.isEmpty() : path.startsWith(folder + '/');
+        };
+        while (!way.isEmpty() && !is_above(way.last().path)) {
+            way.removeLast();
+        }
+        const QList<QByteArray> names = path.isEmpty() ? QList<QByteArray>() : path.split('/');
+        while (way.size() <= names.size()) {
+            const QByteArray name = names.value(way.size() - 1);
+            const bool is_top = way.isEmpty();
+            if (!is_top && !way.last().folders.contains(name)) {
                 problem = QStringLiteral("there is no such folder");
                 return false;
             }
-            number = *known;
-            reached = next;
+            const level next = is_top ? level{{}, system->root_inum, {}}
+                                      : level{joined(way.last().path, name), way.last().folders.value(name), {}};
+            if (!list_folder(next, problem)) {
+                return false;
+            }
         }
-        return list_folder(path, number, problem);
+        return true;
     }
 
-    bool list_folder(const QByteArray& path, TSK_INUM_T number, QString& problem) {
+    bool list_folder(const level& next, QString& problem) {
         tsk_error_reset();
-        const image_folder_handle folder(tsk_fs_dir_open_meta(system.get(), number));
+        const image_folder_handle folder(tsk_fs_dir_open_meta(system.get(), next.number));
         if (!folder) {
             problem = image_error();
             return false;
         }
-        constexpr int most_remembered = 50000;
-        if (folders.size() > most_remembered) {
-            folders.clear();
-        }
+        way.append(next);
+        last_path = next.path;
+        has_last = true;
         last_listing = {};
         numbers.clear();
         for (size_t i = 0; i < tsk_fs_dir_getsize(folder.get()); ++i) {
@@ -155,18 +166,25 @@ private:
             if (!file || !is_shown(file->name)) {
                 continue;
             }
-            const view_entry entry = entry_of(file.get());
+            view_entry entry = entry_of(file.get());
+            const TSK_INUM_T number = file->name->meta_addr;
+            if (entry.kind == entry_kind::folder && leads_back(number)) {
+                entry.kind = entry_kind::other;
+                entry.unreadable = QStringLiteral("damaged: this folder is one of those that it lies in");
+            }
             last_listing.entries.append(entry);
-            numbers.insert(entry.name, file->name->meta_addr);
+            numbers.insert(entry.name, number);
             if (entry.kind == entry_kind::folder) {
-                folders.insert(joined(path, entry.name), file->name->meta_addr);
+                way.last().folders.insert(entry.name, number);
             }
         }
         std::sort(last_listing.entries.begin(), last_listing.entries.end(),
                   [](const view_entry& left, const view_entry& right) { return left.name < right.name; });
-        last_path = path;
-        has_last = true;
         return true;
+    }
+
+    bool leads_back(TSK_INUM_T number) const {
+        return std::any_of(way.begin(), way.end(), [&](const level& one) { return one.number == number; });
     }
 
     QString read_file(const QByteArray& path, int index, QByteArray& piece, file_sink& sink) {
@@ -205,9 +223,9 @@ private:
 
     image_handle image; // the file system refers to it: closed after it
     file_system_handle system;
-    QHash<QByteArray, TSK_INUM_T> folders; // by path
+    QVector<level> way; // each in the one before it
     bool has_last = false;
-    QByteArray last_path;
+    QByteArray last_path; // of the folder listed last
     view_listing last_listing;
     QHash<QByteArray, TSK_INUM_T> numbers; // by name in the last folder
 };

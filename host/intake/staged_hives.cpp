@@ -32,15 +32,22 @@ staged_bytes bytes_of(const staging_folder& folder, const QByteArray& path) {
     return {bytes, errno != 0 ? error_words(errno) : QString()};
 }
 
-// 0 or an errno value.
-int replace(const staging_folder& folder, const QByteArray& path, const QByteArray& bytes) {
+int write_file(const staging_folder& folder, const QByteArray& path, const QByteArray& bytes) {
     quiet_file file;
-    int failed = folder.remove_file(path);
-    failed = failed == 0 ? folder.create_file(path, file) : failed;
+    const int failed = folder.create_file(path, file);
     return failed == 0 ? write_all(file, bytes.constData(), bytes.size()) : failed;
 }
 
-void apply_logs_of(const staging_folder& folder, staged_entry& entry, staging_result& result) {
+// 0 or an errno value. At every moment a whole hive stands at the path.
+int replace(const staging_folder& folder, const QByteArray& path, const QByteArray& before, const QByteArray& after) {
+    const QByteArray fresh = path + ".with_logs";
+    int failed = write_file(folder, as_found(path), before);
+    failed = failed == 0 ? write_file(folder, fresh, after) : failed;
+    return failed == 0 ? folder.rename_file(fresh, path) : failed;
+}
+
+void apply_logs_of(const staging_folder& folder, staged_entry& entry, const staging_hearer& hearer,
+                   staging_result& result) {
     const QString shown = shown_path(entry.source);
     const staged_bytes hive = bytes_of(folder, entry.path);
     const staged_bytes log1 = bytes_of(folder, entry.path + ".LOG1");
@@ -58,7 +65,7 @@ void apply_logs_of(const staging_folder& folder, staged_entry& entry, staging_re
     if (!replay.is_applied()) {
         return;
     }
-    const int failed = replace(folder, entry.path, replay.hive);
+    const int failed = replace(folder, entry.path, hive.bytes, replay.hive);
     if (failed != 0) {
         result.stopped = QStringLiteral("%1: %2").arg(shown_path(entry.path), error_words(failed));
         return;
@@ -67,6 +74,7 @@ void apply_logs_of(const staging_folder& folder, staged_entry& entry, staging_re
     digest.take(replay.hive.constData(), replay.hive.size());
     entry.sha256_with_logs = QByteArray::fromHex(digest.finish());
     entry.log_entries = replay.entries;
+    hearer.staged(entry);
     result.findings.add_note(shown, QStringLiteral("it was not finished writing: rows come from a copy with %1 entries "
                                                    "of %2 applied")
                                         .arg(replay.entries)
@@ -75,11 +83,11 @@ void apply_logs_of(const staging_folder& folder, staged_entry& entry, staging_re
 
 } // namespace
 
-void apply_staged_logs(const QByteArray& staging, staging_result& result) {
+void apply_staged_logs(const QByteArray& staging, staging_result& result, const staging_hearer& hearer) {
     const staging_folder folder(staging);
     for (staged_entry& entry : result.entries) {
         if (entry.path.endsWith("/NTUSER.DAT") && entry.path.count('/') == 2 && result.stopped.isEmpty()) {
-            apply_logs_of(folder, entry, result);
+            apply_logs_of(folder, entry, hearer, result);
         }
     }
 }

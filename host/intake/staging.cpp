@@ -5,7 +5,10 @@
 #include "host/health/sha256.h"
 #include "host/intake/names.h"
 #include "host/intake/staging_folder.h"
+#include "host/intake/wanted_parts.h"
 #include "source/native_names.h"
+
+#include <algorithm>
 
 namespace intake {
 namespace {
@@ -34,8 +37,8 @@ QByteArray digest_of(const staging_folder& folder, const QByteArray& path) {
 class copying final : public file_sink {
 public:
     copying(const QVector<planned_entry>& files, const staging_folder& into, const staging_limit& most,
-            const std::function<bool()>& cancelled, staging_result& report)
-        : planned(files), folder(into), limit(most), is_cancelled(cancelled), result(report) {}
+            const std::function<bool()>& cancelled, const staging_hearer& told, staging_result& report)
+        : planned(files), folder(into), limit(most), is_cancelled(cancelled), hearer(told), result(report) {}
 
     void begin(int index) override {
         digest = sha256();
@@ -96,12 +99,14 @@ private:
             return;
         }
         result.entries.append({one.source, one.path, entry_kind::file, done, expected, one.entry.times, {}, 0});
+        hearer.staged(result.entries.last());
     }
 
     const QVector<planned_entry>& planned;
     const staging_folder& folder;
     const staging_limit& limit;
     const std::function<bool()>& is_cancelled;
+    const staging_hearer& hearer;
     staging_result& result;
     quiet_file file;
     sha256 digest;
@@ -111,7 +116,8 @@ private:
     QString trouble;     // of the evidence
 };
 
-void make_folders(const staging_plan& plan, const staging_folder& folder, staging_result& result) {
+void make_folders(const staging_plan& plan, const staging_folder& folder, const staging_hearer& hearer,
+                  staging_result& result) {
     for (const planned_entry& one : plan.folders()) {
         const int failed = folder.make_folder(one.path);
         if (failed != 0) {
@@ -119,6 +125,7 @@ void make_folders(const staging_plan& plan, const staging_folder& folder, stagin
             return;
         }
         result.entries.append({one.source, one.path, entry_kind::folder, 0, {}, one.entry.times, {}, 0});
+        hearer.staged(result.entries.last());
     }
 }
 
@@ -131,13 +138,31 @@ bool is_no_profile(const QByteArray& name) {
     return false;
 }
 
-// 0 or an errno value.
+// 0 or an errno value; EEXIST where a file stands already.
 int make_placeholder(const staging_folder& folder, const QByteArray& path, const view_entry& entry) {
     if (entry.kind == entry_kind::folder) {
         return folder.make_folder(path);
     }
     quiet_file made;
     return folder.create_file(path, made);
+}
+
+void stage_existing_one(const found_entry& found, const QByteArray& path, const staging_folder& folder,
+                        staging_result& result) {
+    if (!found.problem.isEmpty()) {
+        result.findings.add_problem(shown_path(found.path), found.problem);
+    }
+    const bool stands = found.entry.kind == entry_kind::file || found.entry.kind == entry_kind::folder;
+    if (!found.there || !stands) {
+        return;
+    }
+    const int failed = make_placeholder(folder, path, found.entry);
+    if (failed != 0 && failed != EEXIST) {
+        result.findings.add_problem(shown_path(found.path),
+                                    QStringLiteral("that it exists could not be kept: ") + error_words(failed));
+    } else if (failed == 0) {
+        result.entries.append({found.path, path, found.entry.kind, 0, {}, found.entry.times, {}, 0});
+    }
 }
 
 } // namespace
@@ -167,7 +192,7 @@ QVector<QByteArray> list_profiles(source_view& view, const source_root& root, he
 
 staging_result stage_profiles(source_view& view, const source_root& root, const QVector<QByteArray>& profiles,
                               const QByteArray& staging, const staging_limit& limit,
-                              const std::function<bool()>& cancelled) {
+                              const std::function<bool()>& cancelled, const staging_hearer& hearer) {
     staging_result result;
     const staging_folder folder(staging);
     if (!folder.is_open()) {
@@ -178,13 +203,14 @@ staging_result stage_profiles(source_view& view, const source_root& root, const 
     for (const QByteArray& profile : profiles) {
         plan.add_profile(profile);
     }
-    make_folders(plan, folder, result);
     QVector<QByteArray> sources;
     for (const planned_entry& one : plan.files()) {
         sources.append(one.source);
+        hearer.planned(one);
     }
+    make_folders(plan, folder, hearer, result);
     if (result.stopped.isEmpty() && !cancelled()) {
-        copying sink(plan.files(), folder, limit, cancelled, result);
+        copying sink(plan.files(), folder, limit, cancelled, hearer, result);
         view.read_files(sources, sink);
     }
     return result;
@@ -213,24 +239,21 @@ staging_result stage_existing(source_view& view, const source_root& root, const 
         result.stopped = error_words(errno);
         return result;
     }
+    QVector<QByteArray> paths = wanted; // in order, so that no folder is listed twice
+    std::sort(paths.begin(), paths.end());
+    paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
     entry_finder finder(view, root.percent_encoded);
-    for (const QByteArray& path : wanted) {
-        if (cancelled() || result.entries.size() >= limit.most_entries) {
+    for (const QByteArray& path : qAsConst(paths)) {
+        if (cancelled()) {
             break;
         }
-        const found_entry found = finder.find(root.path, path);
-        if (!found.problem.isEmpty()) {
-            result.findings.add_problem(shown_path(found.path), found.problem);
+        if (result.entries.size() >= limit.most_entries) {
+            result.findings.add_problem(shown_path(path), QStringLiteral("whether it and those after it exist was not "
+                                                                         "looked for: there are too many"));
+            break;
         }
-        const bool stands = found.entry.kind == entry_kind::file || found.entry.kind == entry_kind::folder;
-        if (!found.there || !stands) {
-            continue;
-        }
-        const int failed = make_placeholder(folder, path, found.entry);
-        if (failed != 0 && failed != EEXIST) {
-            result.findings.add_problem(shown_path(path), error_words(failed));
-        } else if (failed == 0) {
-            result.entries.append({found.path, path, found.entry.kind, 0, {}, found.entry.times, {}, 0});
+        if (!is_evidence_place(path)) {
+            stage_existing_one(finder.find(root.path, path), path, folder, result);
         }
     }
     return result;

@@ -17,6 +17,14 @@ struct staged_entry {
     // Of a registry hive whose copy had its transaction logs applied (see staged_hives.h).
     QByteArray sha256_with_logs; // 32 bytes; null: the copy is as the source
     int log_entries = 0;
+
+    bool is_placeholder() const { return kind == entry_kind::file && sha256.isEmpty(); }
+};
+
+// Hears of what goes on, so that what is done is known even if the process does not come to its end.
+struct staging_hearer {
+    std::function<void(const planned_entry&)> planned = [](const planned_entry&) {}; // each file that is to be copied
+    std::function<void(const staged_entry&)> staged = [](const staged_entry&) {}; // each that stands, again if changed
 };
 
 struct staging_result {
@@ -33,7 +41,7 @@ QVector<QByteArray> list_profiles(source_view& view, const source_root& root, he
 // in the case that they are to have there. cancelled: asked often; when it says so, what is complete stays.
 staging_result stage_profiles(source_view& view, const source_root& root, const QVector<QByteArray>& profiles,
                               const QByteArray& staging, const staging_limit& limit,
-                              const std::function<bool()>& cancelled);
+                              const std::function<bool()>& cancelled, const staging_hearer& hearer = {});
 
 // Gives the copies their modification and access times, or 1970-01-01 where the source does not tell one: the time of
 // copying must not look like one of the evidence. A process of its own does it: the one that stages may set no times.
@@ -41,8 +49,9 @@ staging_result stage_profiles(source_view& view, const source_root& root, const 
 QString set_staged_times(const QByteArray& staging, const QVector<staged_entry>& entries);
 
 // Makes an empty file or folder for every wanted path (below the Windows root, such as Users/x/y) that is a file or
-// folder in the view, in the case that was asked for. What stands there already stays. A path that leads upwards is
-// like one that is not there; a link on the way is not followed, and a problem.
+// folder in the view, in the case that was asked for. What stands there already stays, and where evidence is looked for
+// nothing is made: an empty file must not be taken for some. A path that leads upwards is like one that is not there; a
+// link on the way is not followed, and a problem.
 staging_result stage_existing(source_view& view, const source_root& root, const QVector<QByteArray>& wanted,
                               const QByteArray& staging, const staging_limit& limit,
                               const std::function<bool()>& cancelled);

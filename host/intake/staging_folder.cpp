@@ -84,6 +84,15 @@ int staging_folder::remove_file(const QByteArray& path) const {
     return ::unlinkat(parent.descriptor(), last_name(path).constData(), 0) == 0 ? 0 : errno;
 }
 
+int staging_folder::rename_file(const QByteArray& from, const QByteArray& to) const {
+    const quiet_file parent = parent_of(from, false);
+    if (!parent.is_open()) {
+        return errno;
+    }
+    const int folder = parent.descriptor();
+    return ::renameat(folder, last_name(from).constData(), folder, last_name(to).constData()) == 0 ? 0 : errno;
+}
+
 int staging_folder::set_times(const QByteArray& path, const ntfs_times& times) const {
     const quiet_file parent = parent_of(path, false);
     const timespec both[] = {time_to_set(times.accessed), time_to_set(times.modified)};

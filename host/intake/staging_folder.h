@@ -19,6 +19,8 @@ public:
     // A file that is there, for reading.
     int open_file(const QByteArray& path, quiet_file& opened) const;
     int remove_file(const QByteArray& path) const;
+    // from: a file of the same folder as to; takes the place of one that stands there.
+    int rename_file(const QByteArray& from, const QByteArray& to) const;
     // Modification and access time of a file or folder; 1970-01-01 where one is not told.
     int set_times(const QByteArray& path, const ntfs_times& times) const;
 

@@ -20,8 +20,12 @@ void staging_plan::add_profile(const QByteArray& profile) {
         }
         return;
     }
-    add_files(found.path, staged);
-    add_packages(found.path, staged);
+    const planned_entry folder{found.path, staged, found.entry};
+    if (may_add(folder)) {
+        planned_folders.append(folder);
+        add_files(found.path, staged);
+        add_packages(found.path, staged);
+    }
 }
 
 // True when it is there and a folder. That it is not there is for the caller to tell, all else is told here.

@@ -7,6 +7,9 @@
 
 #include <QList>
 
+#include <algorithm>
+#include <iterator>
+
 namespace intake {
 namespace {
 
@@ -70,6 +73,32 @@ QByteArray package_spelling(const QByteArray& name) {
     const QByteArray mark = places::package_mark;
     const int place = name.toLower().indexOf(mark.toLower());
     return place < 0 ? QByteArray() : QByteArray(name).replace(place, mark.size(), mark);
+}
+
+bool is_evidence_place(const QByteArray& path) {
+    const QByteArray any_case = folded(path);
+    const QByteArray users = folded(places::users_folder);
+    const int profile = any_case.startsWith(users) ? any_case.indexOf('/', users.size()) : -1;
+    const QByteArray in_profile = any_case.mid(profile + 1);
+    if (profile < 0) {
+        return false;
+    }
+    for (const wanted_files& wanted : wanted_profile_files()) {
+        const QByteArray folder = wanted.folder.isEmpty() ? QByteArray() : folded(wanted.folder) + '/';
+        const QByteArray name = in_profile.mid(folder.size());
+        if (in_profile.startsWith(folder) && !name.contains('/') && !wanted_spelling(wanted, name).isEmpty()) {
+            return true;
+        }
+    }
+    const QByteArray packages = folded(packages_folder()) + '/';
+    const int package = in_profile.startsWith(packages) ? in_profile.indexOf('/', packages.size()) : -1;
+    const QByteArray in_package = in_profile.mid(package + 1) + '/';
+    const bool is_wanted_package =
+        package >= 0 && !package_spelling(in_profile.mid(packages.size(), package - packages.size())).isEmpty();
+    return is_wanted_package &&
+           std::any_of(std::begin(places::in_package), std::end(places::in_package), [&](const evidence_place& place) {
+               return in_package.startsWith(folded(bare(place.below)) + '/');
+           });
 }
 
 QByteArray spelling_in_package(const QByteArray& path) {

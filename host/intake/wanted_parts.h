@@ -26,4 +26,8 @@ QByteArray package_spelling(const QByteArray& name);
 // A path below a package folder, its known beginning in the wanted case.
 QByteArray spelling_in_package(const QByteArray& path);
 
+// True for a path below the Windows root that, in any upper and lower case, is one of the wanted files or lies where
+// rows are made of every file: only copies may stand there.
+bool is_evidence_place(const QByteArray& path);
+
 } // namespace intake

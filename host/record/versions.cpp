@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// libesedb and hivex are the plugin's; their versions are those that this tree was built with.
+// libesedb and hivex are the plugin's, libtsk and libarchive those of the program that stages: their versions are those
+// that this tree was built with.
 #include "host/record/versions.h"
 
 #include "host/record/read_only_database.h"
@@ -27,7 +28,9 @@ QString sqlite_version() {
 } // namespace
 
 QJsonObject library_versions() {
-    return {{QStringLiteral("Qt"), QLatin1String(qVersion())},
+    return {{QStringLiteral("libtsk"), QLatin1String(TSK_VERSION)},
+            {QStringLiteral("libarchive"), QLatin1String(LIBARCHIVE_VERSION)},
+            {QStringLiteral("Qt"), QLatin1String(qVersion())},
             {QStringLiteral("SQLite"), sqlite_version()},
             {QStringLiteral("libesedb"), QLatin1String(LIBESEDB_VERSION_STRING)},
             {QStringLiteral("hivex"), QLatin1String(HIVEX_VERSION)},
@@ -37,7 +40,7 @@ QJsonObject library_versions() {
 QString version_text() {
     QString text = QStringLiteral("cortana %1\n").arg(QLatin1String(CORTANA_VERSION));
     const QJsonObject libraries = library_versions();
-    for (const char* const name : {"Qt", "SQLite", "libesedb", "hivex", "OpenSSL"}) {
+    for (const char* const name : {"Qt", "SQLite", "libesedb", "hivex", "libtsk", "libarchive", "OpenSSL"}) {
         text += QStringLiteral("%1 %2\n").arg(QLatin1String(name), libraries[QLatin1String(name)].toString());
     }
     return text;

@@ -8,6 +8,7 @@
 #include "host/intake/newer_logs.h"
 #include "host/run/cancellation.h"
 #include "host/run/plugin_run.h"
+#include "host/run/survey_worker.h"
 #include "host/run/worker_links.h"
 #include "source/real_location.h"
 
@@ -19,7 +20,10 @@
 namespace {
 
 void allow(const worker_request& request, sandbox_plan& plan) {
-    plan.readable << QFile::encodeName(request.source_root) << QFile::encodeName(QFileInfo(request.library).path());
+    plan.readable << QFile::encodeName(request.source_root);
+    if (!request.library.isEmpty()) { // else it would be the working directory
+        plan.readable << QFile::encodeName(QFileInfo(request.library).path());
+    }
 }
 
 worker_message check(const worker_request& request, const message_sender& send) {
@@ -72,7 +76,10 @@ private:
     const message_sender& send;
 };
 
-int work(const worker_request& request, const message_sender& send) {
+int work(const worker_request& request, const message_sender& send, const answer_reader& /*waits for nothing*/) {
+    if (request.survey) {
+        survey_staged(request, send);
+    }
     if (request.check) {
         send(check(request, send));
     }

@@ -21,7 +21,9 @@ public:
     int place_of(const QString& path) const {
         return path.startsWith(staged) ? places.value(path.mid(staged.size()), -1) : -1;
     }
-    QString in_source(const QString& path_in_view) const { return source + QLatin1Char('/') + path_in_view; }
+    QString in_source(const QString& path_in_view) const {
+        return path_in_view.isEmpty() ? source : source + QLatin1Char('/') + path_in_view;
+    }
 
 private:
     QString source;
@@ -35,6 +37,15 @@ void rename(QString& path, const source_names& names, const QVector<staged_file>
         path = names.in_source(files[place].record.path);
     } else if (path.startsWith(staged)) {
         path = names.in_source(path.mid(staged.size()));
+    }
+}
+
+// What was read for the rows must be what was copied.
+void tell_if_changed(const evidence_record& copied, const QByteArray& read, health_report& health) {
+    const QByteArray& copy = copied.sha256_with_logs.isEmpty() ? copied.sha256 : copied.sha256_with_logs;
+    if (!read.isEmpty() && read != copy) {
+        health.add_problem(copied.path,
+                           QStringLiteral("its copy was changed after it was made: do not rely on its rows"));
     }
 }
 
@@ -79,14 +90,17 @@ void tell_as_in_source(run_summary& summary, const staging_outcome& outcome, con
     }
     summary.evidence.clear();
     for (int i = 0; i < outcome.files.size(); ++i) {
+        const intake::staged_entry& entry = outcome.files[i].entry;
+        if (entry.kind != intake::entry_kind::file || entry.is_placeholder()) {
+            continue;
+        }
         evidence_record record = outcome.files[i].record;
         record.path = names.in_source(record.path);
         if (looked_over.contains(i)) {
             record.kind = looked_over[i].kind;
             record.health = looked_over[i].health;
+            tell_if_changed(record, looked_over[i].sha256, summary.health);
         }
-        if (outcome.files[i].entry.kind == intake::entry_kind::file) {
-            summary.evidence.append(record);
-        }
+        summary.evidence.append(record);
     }
 }

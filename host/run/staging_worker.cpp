@@ -108,35 +108,63 @@ bool is_usable_as_given(const worker_request& request, opened_source& opened, co
     return how != standing::needs_staging && !(may_apply && has_unfinished_hive(*opened.view, opened.root, profiles));
 }
 
-void stage_opened(const worker_request& request, opened_source& opened, const message_sender& send) {
+void send_staged(const staged_entry& entry, const message_sender& send) {
+    worker_message staged;
+    staged.what = worker_message::staged;
+    staged.file = file_of(entry);
+    send(staged);
+}
+
+// Tells each file, many at a time.
+class plan_messages {
+public:
+    explicit plan_messages(const message_sender& sender) : send(sender) { message.what = worker_message::planned; }
+    void add(const QByteArray& source) {
+        message.paths.append(source);
+        bytes += source.size();
+        constexpr int most_bytes = 1 << 16;
+        if (bytes > most_bytes) {
+            flush();
+        }
+    }
+    void flush() {
+        if (!message.paths.isEmpty()) {
+            send(message);
+        }
+        message.paths.clear();
+        bytes = 0;
+    }
+
+private:
+    const message_sender& send;
+    worker_message message;
+    int bytes = 0;
+};
+
+void send_findings(const health_report& findings, const message_sender& send) {
     worker_message checked;
     checked.what = worker_message::checked;
-    const QVector<QByteArray> profiles = profiles_of(request, opened, checked.health);
-    if (is_usable_as_given(request, opened, profiles)) {
-        worker_message as_given;
-        as_given.what = worker_message::as_given;
-        send(as_given);
-        return;
-    }
-    staging_limit limit;
-    if (opened.kind == source_kind::archive && request.staging.archive_limit > 0) {
-        limit.most_bytes = request.staging.archive_limit;
-    }
+    checked.health = findings;
+    send(checked);
+}
+
+// False: staging cannot go on.
+bool stage_parts(const worker_request& request, opened_source& opened, const QVector<QByteArray>& profiles,
+                 const staging_limit& limit, const message_sender& send) {
     const QByteArray folder = QFile::encodeName(request.folder);
     const std::function<bool()> cancelled = is_cancelled;
-    staging_result result = stage_profiles(*opened.view, opened.root, profiles, folder, limit, cancelled);
+    plan_messages plan(send);
+    const staging_hearer hearer{[&](const planned_entry& one) { plan.add(one.source); },
+                                [&](const staged_entry& entry) {
+                                    plan.flush();
+                                    send_staged(entry, send);
+                                }};
+    staging_result result = stage_profiles(*opened.view, opened.root, profiles, folder, limit, cancelled, hearer);
     if (request.staging.hive_logs) {
-        apply_staged_logs(folder, result);
+        apply_staged_logs(folder, result, hearer);
     }
-    for (const staged_entry& entry : result.entries) {
-        worker_message staged;
-        staged.what = worker_message::staged;
-        staged.file = file_of(entry);
-        send(staged);
-    }
-    checked.health.add(opened.findings);
-    checked.health.add(result.findings);
-    send(checked);
+    plan.flush();
+    send_findings(result.findings, send);
     if (!result.stopped.isEmpty()) {
         worker_message refused;
         refused.what = worker_message::refused;
@@ -144,12 +172,46 @@ void stage_opened(const worker_request& request, opened_source& opened, const me
         refused.number = exit_output;
         send(refused);
     }
+    return result.stopped.isEmpty();
 }
 
-int stage_source_of(const worker_request& request, const message_sender& send) {
+void stage_names(const worker_request& request, opened_source& opened, const QVector<QByteArray>& paths,
+                 const staging_limit& limit, const message_sender& send) {
+    const std::function<bool()> cancelled = is_cancelled;
+    const staging_result result =
+        stage_existing(*opened.view, opened.root, paths, QFile::encodeName(request.folder), limit, cancelled);
+    for (const staged_entry& entry : result.entries) {
+        send_staged(entry, send);
+    }
+    send_findings(result.findings, send);
+}
+
+void stage_opened(const worker_request& request, opened_source& opened, const answer_reader& answer,
+                  const message_sender& send) {
+    health_report findings = opened.findings;
+    const QVector<QByteArray> profiles = profiles_of(request, opened, findings);
+    worker_message next;
+    if (is_usable_as_given(request, opened, profiles)) {
+        next.what = worker_message::as_given; // what there is to tell is told by those who read the folder
+        send(next);
+        return;
+    }
+    send_findings(findings, send);
+    staging_limit limit;
+    if (opened.kind == source_kind::archive && request.staging.archive_limit > 0) {
+        limit.most_bytes = request.staging.archive_limit;
+    }
+    if (stage_parts(request, opened, profiles, limit, send)) {
+        next.what = worker_message::waiting;
+        send(next);
+        stage_names(request, opened, answer(), limit, send);
+    }
+}
+
+int stage_source_of(const worker_request& request, const message_sender& send, const answer_reader& answer) {
     opened_source opened = open_source(QFile::encodeName(request.source_root), options_of(request.staging));
     if (opened.view) {
-        stage_opened(request, opened, send);
+        stage_opened(request, opened, answer, send);
         return exit_complete;
     }
     worker_message refused;

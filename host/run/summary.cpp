@@ -211,6 +211,9 @@ QString summary_table(const run_summary& summary) {
     if (summary.links.rows() > 0) {
         text += links_line(summary.links);
     }
+    if (!summary.staged_copies.isEmpty()) {
+        text += QStringLiteral("staged copies    %1\n").arg(printable(summary.staged_copies));
+    }
     if (!summary.losses.isEmpty()) {
         text += QStringLiteral("not finished     %1\n").arg(counted(summary.losses.size(), "step", "steps"));
     }
@@ -246,6 +249,8 @@ QJsonObject summary_object(const run_summary& summary) {
         {QStringLiteral("problems"), json_findings(summary.health.problems)},
         {QStringLiteral("note_count"), summary.health.note_count},
         {QStringLiteral("notes"), json_findings(summary.health.notes)},
+        {QStringLiteral("staged_copies"),
+         summary.staged_copies.isEmpty() ? QJsonValue() : QJsonValue(summary.staged_copies)},
         {QStringLiteral("output_troubles"), QJsonArray::fromStringList(summary.output_troubles)},
     };
 }

@@ -184,7 +184,10 @@ void supervisor::take_message(profile& one, const worker_message& message) {
     case worker_message::ended:
         one.ended_runs += is_cancelled() || one.remaining.isEmpty() ? 0 : 1;
         break;
-    case worker_message::staged: // of no worker of a profile
+    case worker_message::planned: // of no worker of a profile
+    case worker_message::staged:
+    case worker_message::asked:
+    case worker_message::waiting:
     case worker_message::as_given:
     case worker_message::refused:
     case worker_message::unknown:

@@ -20,7 +20,20 @@
 
 namespace {
 
-QByteArray everything_from(int descriptor) {
+// A pipe's next bytes to the end of a line, which is taken too, or to the pipe's end.
+QByteArray line_from(int descriptor) {
+    QByteArray line;
+    char byte = 0;
+    for (ssize_t got = 0; byte != '\n' && (got = ::read(descriptor, &byte, 1)) != 0;) {
+        if (got < 0 && errno != EINTR) {
+            break;
+        }
+        line.append(&byte, static_cast<int>(std::max<ssize_t>(got, 0)));
+    }
+    return line;
+}
+
+QByteArray rest_of(int descriptor) {
     QByteArray all;
     char part[65536];
     for (ssize_t got = 0; (got = ::read(descriptor, part, sizeof part)) != 0;) {
@@ -32,10 +45,12 @@ QByteArray everything_from(int descriptor) {
     return all;
 }
 
-// The supervisor's end of standard output, kept apart: what libraries print there must not look like a message.
+// The supervisor's ends of standard input and output, kept apart: what libraries print there must not look like a
+// message.
 class message_pipe {
 public:
-    message_pipe() : descriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)) {
+    message_pipe()
+        : input(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3)), descriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)) {
         const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
         ::dup2(nowhere, STDIN_FILENO);
         ::dup2(nowhere, STDOUT_FILENO);
@@ -52,7 +67,10 @@ public:
         }
     }
 
+    QVector<QByteArray> answer() const { return paths_from(rest_of(input)); }
+
 private:
+    int input;
     int descriptor;
 };
 
@@ -84,7 +102,7 @@ int run_worker(int argc, char** argv, const worker_task& task) {
     }
     forbid_core_files();
     be_ended_first();
-    const worker_request request = request_from(everything_from(STDIN_FILENO));
+    const worker_request request = request_from(line_from(STDIN_FILENO));
     const message_pipe pipe;
     worker_message confined;
     confined.what = worker_message::confined;
@@ -101,7 +119,8 @@ int run_worker(int argc, char** argv, const worker_task& task) {
     settle_file_name_encoding();
     take_qt_messages(false);
     take_cancel_signals();
-    const int code = task.work(request, [&pipe](const worker_message& message) { pipe.send(message); });
+    const int code = task.work(
+        request, [&pipe](const worker_message& message) { pipe.send(message); }, [&pipe] { return pipe.answer(); });
     if (code == exit_complete) {
         worker_message ended;
         ended.what = worker_message::ended;

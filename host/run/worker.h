@@ -11,15 +11,15 @@
 // The word that makes a program a worker; the supervisor's process number follows it.
 inline constexpr const char* worker_word = "worker-process";
 
-using message_sender = std::function<void(const worker_message& message)>;
+using answer_reader = std::function<QVector<QByteArray>()>;
 
 // One kind of work.
 struct worker_task {
     // Adds what the process may read and list beside the system's own; called before it is confined.
     void (*allow)(const worker_request& request, sandbox_plan& plan);
     // Called confined. Sends all messages but the last; returns the process's exit code, exit_complete when it came to
-    // its end or was cancelled, else after it sent failure_message().
-    int (*work)(const worker_request& request, const message_sender& send);
+    // its end or was cancelled, else after it sent failure_message(). answer: the paths that a worker waits for, once.
+    int (*work)(const worker_request& request, const message_sender& send, const answer_reader& answer);
 };
 
 worker_message failure_message(const QString& text);

@@ -58,6 +58,13 @@ void worker_process::begin() {
         std::make_unique<worker_watch>(static_cast<pid_t>(processId()),
                                        request.folder.isEmpty() ? QString() : worker_database(request.folder), limits);
     write(to_bytes(request));
+    if (!request.staging.wanted) {
+        closeWriteChannel();
+    }
+}
+
+void worker_process::answer(const QByteArray& bytes) {
+    write(bytes);
     closeWriteChannel();
 }
 

@@ -25,6 +25,8 @@ public:
     ~worker_process() override;
 
     void begin();
+    // What a worker that waits is to read, all of it.
+    void answer(const QByteArray& bytes);
     // Passes a cancel on; the worker commits what it has and ends.
     void cancel(int signal);
     // Ends the process when it has passed a limit.

@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr const char* kind_names[] = {"unknown", "confined", "evidence", "looked_over", "checked",
-                                      "staged",  "as_given", "refused",  "rows",        "step_done",
-                                      "linked",  "failed",   "ended"};
+constexpr const char* kind_names[] = {"unknown",   "confined", "evidence", "looked_over", "checked", "planned",
+                                      "staged",    "asked",    "waiting",  "as_given",    "refused", "rows",
+                                      "step_done", "linked",   "failed",   "ended"};
 
 QString key(const char* name) {
     return QLatin1String(name);
@@ -122,10 +122,29 @@ staged_file staged_from(const QJsonObject& object) {
     file.entry.source = object[key("source")].toString().toLatin1();
     file.entry.path = object[key("path")].toString().toLatin1();
     file.entry.kind = object[key("is_folder")].toBool() ? intake::entry_kind::folder : intake::entry_kind::file;
+    file.entry.sha256 = QByteArray::fromHex(file.record.sha256);
+    file.entry.sha256_with_logs = QByteArray::fromHex(file.record.sha256_with_logs);
     file.entry.times.created = ticks_from(object[key("created")]);
     file.entry.times.modified = ticks_from(object[key("modified")]);
     file.entry.times.accessed = ticks_from(object[key("accessed")]);
     return file;
+}
+
+// As above.
+QJsonArray to_json(const QVector<QByteArray>& paths) {
+    QJsonArray list;
+    for (const QByteArray& path : paths) {
+        list.append(QString::fromLatin1(path));
+    }
+    return list;
+}
+
+QVector<QByteArray> paths_from_json(const QJsonValue& list) {
+    QVector<QByteArray> paths;
+    for (const QString& path : texts_from(list)) {
+        paths.append(path.toLatin1());
+    }
+    return paths;
 }
 
 QJsonObject to_json(const staging_request& staging) {
@@ -154,6 +173,7 @@ QByteArray to_bytes(const worker_request& request) {
         {key("check"), request.check},
         {key("checked_tables"), QJsonArray::fromStringList(request.checked_tables)},
         {key("tables"), QJsonArray::fromStringList(request.tables)},
+        {key("survey"), request.survey},
         {key("link"), request.link},
         {key("folder"), request.folder},
         {key("library"), request.library},
@@ -164,7 +184,23 @@ QByteArray to_bytes(const worker_request& request) {
         {key("sandbox"), request.sandbox},
         {key("staging"), to_json(request.staging)},
     };
-    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+QByteArray paths_to_bytes(const QVector<QByteArray>& paths) {
+    QByteArray bytes;
+    for (const QByteArray& path : paths) {
+        bytes += path + '\0';
+    }
+    return bytes;
+}
+
+QVector<QByteArray> paths_from(const QByteArray& bytes) {
+    QVector<QByteArray> paths;
+    for (int begin = 0, end = 0; (end = bytes.indexOf('\0', begin)) >= 0; begin = end + 1) {
+        paths.append(bytes.mid(begin, end - begin));
+    }
+    return paths;
 }
 
 worker_request request_from(const QByteArray& bytes) {
@@ -178,6 +214,7 @@ worker_request request_from(const QByteArray& bytes) {
     request.check = object[key("check")].toBool();
     request.checked_tables = texts_from(object[key("checked_tables")]);
     request.tables = texts_from(object[key("tables")]);
+    request.survey = object[key("survey")].toBool();
     request.link = object[key("link")].toBool();
     request.folder = object[key("folder")].toString();
     request.library = object[key("library")].toString();
@@ -218,6 +255,10 @@ QByteArray to_line(const worker_message& message) {
     case worker_message::staged:
         object.insert(key("file"), to_json(message.file));
         break;
+    case worker_message::planned:
+    case worker_message::asked:
+        object.insert(key("paths"), to_json(message.paths));
+        break;
     case worker_message::refused:
         object.insert(key("text"), message.text);
         object.insert(key("number"), message.number);
@@ -230,6 +271,7 @@ QByteArray to_line(const worker_message& message) {
         object.insert(key("text"), message.text);
         break;
     case worker_message::unknown:
+    case worker_message::waiting:
     case worker_message::linked:
     case worker_message::as_given:
     case worker_message::ended:
@@ -252,6 +294,7 @@ worker_message message_from(const QByteArray& line) {
     message.sandbox = sandbox_from(object[key("sandbox")].toObject());
     message.record = evidence_from(object[key("record")].toObject());
     message.health = health_from(object[key("health")].toObject());
+    message.paths = paths_from_json(object[key("paths")]);
     message.file = staged_from(object[key("file")].toObject());
     return message;
 }

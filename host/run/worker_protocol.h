@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What supervisor and worker tell each other: one JSON document as the worker's standard input, then a line a message
-// on the worker's standard output. A worker has read evidence, so nothing that it says is believed without a look.
+// What supervisor and worker tell each other: one JSON document as the first line of the worker's standard input, then
+// a line a message on the worker's standard output. A worker that waits reads on: what it asked for, to the end. A
+// worker has read evidence, so nothing that it says is believed without a look.
 #pragma once
 
 #include "contract/host_records.h"
@@ -14,8 +15,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 // The source as it was given is opened, and what is wanted of it is copied into the worker's folder; such a worker does
-// nothing else, and the accounts are those that were asked for, none for every profile.
+// nothing else, and the accounts are those that were asked for, none for every profile. Then it waits for the paths of
+// files that evidence names elsewhere (see paths_to_bytes), and makes empty files of those that exist.
 struct staging_request {
     bool wanted = false;
     QString type; // "folder", "image", "archive"; empty: told by content
@@ -36,9 +40,10 @@ struct worker_request {
     QList<system_account> accounts;
     bool check = false; // look over the evidence that the checked tables come from, before any step
     QStringList checked_tables;
-    QStringList tables; // to fill, in the plugin's order; empty: none
-    bool link = false;  // then tell what reminders belong to, in worker_links()
-    QString folder;     // the worker's own, the only place where it may write; empty: nothing is written
+    QStringList tables;  // to fill, in the plugin's order; empty: none
+    bool survey = false; // tell what the checked tables' rows ask of a staged source (see survey_worker.h)
+    bool link = false;   // then tell what reminders belong to, in worker_links()
+    QString folder;      // the worker's own, the only place where it may write; empty: nothing is written
     QString library;
     QString os_scheme;
     int source_number = 1;
@@ -48,8 +53,12 @@ struct worker_request {
     staging_request staging;
 };
 
-QByteArray to_bytes(const worker_request& request);
+QByteArray to_bytes(const worker_request& request); // one line
 worker_request request_from(const QByteArray& bytes);
+
+// Paths as a waiting worker takes them.
+QByteArray paths_to_bytes(const QVector<QByteArray>& paths);
+QVector<QByteArray> paths_from(const QByteArray& bytes);
 
 // Where a worker's results lie in its folder.
 QString worker_database(const QString& folder);
@@ -64,7 +73,10 @@ struct worker_message {
         evidence,    // record: a file that was looked at
         looked_over, // health: as far as it is known without libesedb
         checked,     // health: all of it
-        staged,      // file: one that stands in the staging folder now
+        planned,     // paths: of the source, to be copied
+        staged,      // file: one that stands in the staging folder now, or is another than was told of
+        asked,       // paths: below the Windows root, which rows name
+        waiting,     // it reads what it waits for
         as_given,    // the source can be read as it stands, nothing was staged
         refused,     // text: why the source cannot be opened; number: an exit code
         rows,        // number: rows so far
@@ -80,7 +92,10 @@ struct worker_message {
     evidence_record record;
     health_report health;
     staged_file file;
+    QVector<QByteArray> paths;
 };
+
+using message_sender = std::function<void(const worker_message& message)>;
 
 QByteArray to_line(const worker_message& message);
 // A line that is no message gives one of kind unknown. Counts are never negative, and lists as long as their holders

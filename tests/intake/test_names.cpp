@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The rules over names alone: what is one name, which folders lead to a Windows tree, which files make one image.
 #include "host/intake/archive_names.h"
+#include "host/intake/asked_names.h"
 #include "host/intake/image_segments.h"
 #include "host/intake/names.h"
 #include "host/intake/source_root.h"
@@ -180,6 +181,55 @@ private Q_SLOTS:
         QCOMPARE(spelling_in_package("localstate/GRAPH/People/A.ttl"), QByteArray("LocalState/Graph/People/A.ttl"));
         QCOMPARE(spelling_in_package("localstate/other"), QByteArray("LocalState/other"));
         QCOMPARE(spelling_in_package("settings"), QByteArray("settings"));
+    }
+
+    void tells_places_of_evidence_data() {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<bool>("is_place");
+        const QByteArray package = "users/A/APPDATA/local/packages/x.microsoft.windows.cortana_y/";
+        const QByteArray cache = "Users/a/AppData/Local/Microsoft/Windows/WebCache/";
+        for (const auto& [path, is_place] : {std::pair<QByteArray, bool>("USERS/a/ntuser.dat", true),
+                                             {"Users/a/NTUSER.DAT.log2", true},
+                                             {"Users/a/NTUSER.DAT/x", false},
+                                             {"Users/NTUSER.DAT", false},
+                                             {"Windows/a/NTUSER.DAT", false},
+                                             {"Users/a/Documents/NTUSER.DAT", false},
+                                             {cache + "v01.CHK", true},
+                                             {cache + "V0100001.LOG", true},
+                                             {cache + "other", false},
+                                             {package + "localstate/GRAPH", true},
+                                             {package + "localstate/GRAPH/a/b", true},
+                                             {package + "localstate/GRAPHS/a", false},
+                                             {package + "LocalState", false},
+                                             {package + "AppData/indexed db/indexeddb.EDB", true},
+                                             {package + "AC/INetCache/a.htm", false},
+                                             {"Users/a/AppData/Local/Packages/Edge/LocalState/Graph/a", false}}) {
+            QTest::newRow(path.constData()) << path << is_place;
+        }
+    }
+    void tells_places_of_evidence() {
+        QFETCH(QByteArray, path);
+        QTEST(is_evidence_place(path), "is_place");
+    }
+
+    void walks_asked_paths_data() {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<QVector<QByteArray>>("asked");
+        const auto row = [](const QByteArray& path, const QVector<QByteArray>& asked) {
+            QTest::newRow(path.left(40).constData()) << path << asked;
+        };
+        row("/Users/a//x", {"Users/a/x"});
+        row("a/./b/", {"a/b"});
+        row("a/b/../../c", {"a/b", "a", "c"});
+        row("a/..", {"a"});
+        row("a/../../Users", {});
+        row("", {});
+        row(QByteArray("a/\0b", 4), {});
+        row("long/" + QByteArray(4095, 'x'), {});
+    }
+    void walks_asked_paths() {
+        QFETCH(QByteArray, path);
+        QTEST(asked_paths(path), "asked");
     }
 
     void counts_time_as_windows_does() {

@@ -279,7 +279,7 @@ private Q_SLOTS:
         const staging_result result = stage_profiles(view, {}, {"anna"}, staging, {}, never);
         QCOMPARE(texts(result.findings),
                  QStringList("Users/anna/NTUSER.DAT: the copy that was read back is another one than was written"_q));
-        QCOMPARE(result.entries.size(), 1);
+        QCOMPARE(contents_below(staging).size(), 1);
     }
 
     void leaves_only_whole_files_when_cancelled() {
@@ -288,7 +288,7 @@ private Q_SLOTS:
         view.meanwhile = [&] { is_cancelled = true; };
         const QByteArray staging = new_staging();
         const staging_result result = stage_profiles(view, {}, {"anna"}, staging, {}, [&] { return is_cancelled; });
-        QCOMPARE(result.entries.size(), 0);
+        QCOMPARE(result.stopped, QString());
         QCOMPARE(contents_below(staging), QStringList());
     }
 
@@ -298,8 +298,7 @@ private Q_SLOTS:
         const QByteArray outside = new_staging();
         const QByteArray staging = new_staging();
         QVERIFY(QFile::link(QString::fromUtf8(outside), QString::fromUtf8(staging + "/Users")));
-        QCOMPARE(stage_profiles(view, {}, {"anna"}, staging, {}, never).stopped,
-                 "Users/anna/NTUSER.DAT: Not a directory"_q);
+        QCOMPARE(stage_profiles(view, {}, {"anna"}, staging, {}, never).stopped, "Users/anna: Not a directory"_q);
         QCOMPARE(QDir(QString::fromUtf8(outside)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
         QVERIFY(QFile::remove(QString::fromUtf8(staging + "/Users")));
         QVERIFY(QDir().mkpath(QString::fromUtf8(staging + "/Users/anna")));
@@ -316,8 +315,8 @@ private Q_SLOTS:
         const opened_source opened = open_source(files.path("upper.zip"), {});
         const QByteArray favicon = "Users/Bernd/AppData/Local/Microsoft/Windows/INetCache/IE/7QK2M9XA/favicon[1].ico";
         const QVector<QByteArray> wanted = {
-            favicon,        "users/BERND/AppData", "Users/anna/NTUSER.DAT", "Users/anna/NTUSER.DAT",   "Users/nobody",
-            "../upper.tgz", "Users/anna/../../..", "/etc/passwd",           "Users/anna/NTUSER.DAT/x", ""};
+            favicon,        "users/BERND/AppData", "Users/anna/ntuser.ini", "Users/anna/ntuser.ini",   "Users/nobody",
+            "../upper.tgz", "Users/anna/../../..", "/etc/passwd",           "Users/anna/ntuser.ini/x", ""};
         const staging_result result = stage_existing(*opened.view, opened.root, wanted, staging, {}, never);
         QCOMPARE(texts(result.findings), QStringList());
         QStringList made;
@@ -328,7 +327,16 @@ private Q_SLOTS:
             QCOMPARE(placeholder.isDir(), entry.kind == entry_kind::folder);
             QVERIFY(placeholder.isDir() || placeholder.size() == 0);
         }
-        QCOMPARE(made, QStringList({QString::fromUtf8(favicon), "users/BERND/AppData"_q, "Users/anna/NTUSER.DAT"_q}));
+        QCOMPARE(made, QStringList({QString::fromUtf8(favicon), "Users/anna/ntuser.ini"_q, "users/BERND/AppData"_q}));
+    }
+
+    // An empty file where evidence is looked for would be taken for some.
+    void makes_no_placeholders_for_evidence() {
+        const QByteArray staging = new_staging();
+        const opened_source opened = open_source(files.path("upper.zip"), {});
+        const QVector<QByteArray> wanted = {"users/Anna/ntuser.dat", "Users/bernd/" + package + "/LocalState/graph"};
+        QCOMPARE(stage_existing(*opened.view, opened.root, wanted, staging, {}, never).entries.size(), 0);
+        QCOMPARE(everything_below(QString::fromUtf8(staging)), QStringList());
     }
 };
 

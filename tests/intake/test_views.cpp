@@ -66,6 +66,10 @@ private Q_SLOTS:
         row("volume", "true", "volume");
         row("disk with MBR", "true", "mbr");
         row("disk with GPT", "true", "gpt");
+        row("disk with GPT and an MBR that names a volume, too",
+            "cp gpt hybrid && printf '\\0\\0\\0\\0\\007\\0\\0\\0\\0\\040\\0\\0\\0\\140\\0\\0' |"
+            "  dd of=hybrid bs=1 seek=462 conv=notrunc status=none",
+            "hybrid");
         row("split by numbers", "split -b 5M -a 3 --numeric-suffixes=1 gpt part.", "part.001");
         row("split by numbers, another one given", "true", "part.003");
         row("split by letters", "split -b 5M gpt x", "xaa");

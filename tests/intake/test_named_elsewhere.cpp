@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+// Entries of a web cache that name files outside of the Cortana package folder: what the rows say of these files does
+// not depend on the kind of source. All nine tables are compared, times included.
+#include "contract/table_names.h"
+#include "samples/webcache_schema.h"
+#include "tests/host/host_case.h"
+#include "tests/intake/evidence_files.h"
+#include "tests/intake/ntfs_image.h"
+
+#include <QJsonArray>
+#include <QtTest>
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+// On a file system that tells the cases apart, and to Windows.
+enum there { nowhere, for_windows, everywhere };
+
+// Directory in Windows' spelling and file name of each entry, and where it exists.
+struct named_file {
+    const char* directory;
+    const char* file;
+    there exists;
+};
+const named_file named_files[] = {
+    {R"(C:\ProgramData\Cortana\)", "there.bin", everywhere},
+    {R"(C:\ProgramData\Cortana\)", "gone.bin", nowhere},
+    {R"(C:\ProgramData\Cortana\)", "", everywhere}, // the folder itself
+    {R"(C:\ProgramData\Cortana\..\Cortana\)", "there.bin", everywhere},
+    {R"(C:\ProgramData\Nothing\..\Cortana\)", "there.bin", nowhere},
+    {R"(C:\..\ProgramData\Cortana\)", "there.bin", nowhere},
+    {R"(C:\Users\bernd\AppData\Local\Cortana\)", "of another profile", everywhere},
+    {R"(C:\Users\Public\Cortana\)", "M\xc3\xbcnchen.txt", everywhere},
+    {R"(C:\Users\Public\cortana\)", "M\xc3\xbcnchen.txt", for_windows},
+    {R"(C:\Users\BERND\AppData\Local\Cortana\)", "of another profile", for_windows},
+    {R"(C:\Users\anna\AppData\Local\Cortana\..\..\..\)", "NTUSER.DAT", everywhere},
+    {R"(D:\Cortana\)", "there.bin", nowhere},
+};
+
+void write_webcache(const QByteArray& path) {
+    ese_writer file(path.constData());
+    std::vector<webcache_container> containers;
+    for (const named_file& one : named_files) {
+        containers.push_back({static_cast<std::int64_t>(containers.size() + 1), "Cookies", one.directory, ""});
+    }
+    write_webcache_containers(file, containers);
+    std::int64_t number = 0;
+    for (const named_file& one : named_files) {
+        webcache_entry entry;
+        entry.filename = one.file;
+        entry.url = "Cookie:anna@example.org/";
+        write_webcache_entries(file, ++number, {entry});
+    }
+    file.close();
+}
+
+// Without what Windows takes for the same file and a mounted volume does not.
+QStringList without_other_case(const QStringList& rows) {
+    QStringList kept;
+    std::copy_if(rows.begin(), rows.end(), std::back_inserter(kept), [](const QString& row) {
+        return !row.contains("C:/Users/Public/cortana/"_q) && !row.contains("/BERND/"_q);
+    });
+    return kept;
+}
+
+QStringList all_rows(const host_case& result) {
+    QStringList rows;
+    for (const QString& table : result_table_names()) {
+        rows << table << dump_table(QString::fromUtf8(result.database()), table);
+    }
+    return without_other_case(rows);
+}
+
+} // namespace
+
+class test_named_elsewhere : public QObject {
+    Q_OBJECT
+
+    evidence_files files;
+
+    host_answer extract(const host_case& result, const QByteArray& source, const QString& options = {}) const {
+        return result.run("extract --user anna --keep-staged --json "_q + QString::fromUtf8(files.path(source)) +
+                          " {R} "_q + options);
+    }
+    static QStringList existing(const host_case& result) {
+        return dump_table(QString::fromUtf8(result.database()), "cookies"_q, {"windows_path"_q, "file_exists"_q});
+    }
+
+private Q_SLOTS:
+    void initTestCase() {
+        write_webcache(files.path("source/Users/anna/AppData/Local/Microsoft/Windows/WebCache/WebCacheV01.dat"));
+        files.run("cd source && mkdir -p ProgramData/Cortana Users/bernd/AppData/Local/Cortana Users/Public/Cortana "
+                  "Users/anna/AppData/Local/Cortana && touch ProgramData/Cortana/there.bin "
+                  "Users/Public/Cortana/München.txt 'Users/bernd/AppData/Local/Cortana/of another profile'");
+        write_ntfs_image(files.path("volume"), 12, files.path("source"));
+        files.run("truncate -s 18M disk.dd && printf 'label: gpt\nstart=8192,size=24576\n' | sfdisk -q disk.dd && "
+                  "dd if=volume of=disk.dd bs=512 seek=8192 conv=notrunc status=none && "
+                  "qemu-img convert -t unsafe -O vmdk disk.dd disk.vmdk && "
+                  "qemu-img convert -t unsafe -O vpc disk.dd disk.vhd && "
+                  "mkfs.vfat -C volume.fat 8192 >/dev/null && mcopy -s -i volume.fat source/* :: && "
+                  "(cd source && zip -qr1 ../source.zip . && tar -czf ../source.tgz .) && "
+                  "cp -a source upper && cd upper && mv ProgramData PROGRAMDATA && mv Users/anna/NTUSER.DAT "
+                  "Users/anna/ntuser.dat && mv Users/Public Users/PUBLIC && mv PROGRAMDATA/Cortana/there.bin "
+                  "PROGRAMDATA/Cortana/There.BIN");
+    }
+
+    void rows_tell_of_them_as_of_a_folder_data() {
+        QTest::addColumn<bool>("is_staged");
+        for (const char* const name : {"source.zip", "source.tgz", "volume", "disk.vmdk", "disk.vhd", "volume.fat"}) {
+            QTest::newRow(name) << true;
+        }
+        QTest::newRow("upper") << true;
+        QTest::newRow("source") << false;
+    }
+    void rows_tell_of_them_as_of_a_folder() {
+        QFETCH(bool, is_staged);
+        const host_case result;
+        const host_answer answer = extract(result, QTest::currentDataTag());
+        QVERIFY2(answer.code == 0, answer.error.constData());
+        QStringList expected;
+        for (const named_file& one : named_files) {
+            const QByteArray path = QByteArray(one.directory).replace('\\', '/') + one.file;
+            const bool is_there = one.exists == everywhere || (is_staged && one.exists == for_windows);
+            expected << "windows_path=text:%1 | file_exists=text:%2"_q.arg(QString::fromUtf8(path),
+                                                                           is_there ? "YES"_q : "NO"_q);
+        }
+        QCOMPARE(existing(result), expected);
+        QCOMPARE(answer.json()["profiles"_q], QJsonValue(QJsonArray{"anna"_q}));
+    }
+
+    // What the examiner would see who mounts the image, in every column.
+    void rows_are_those_of_a_mounted_volume() {
+        const QString place = QString::fromUtf8(files.path("mounted"));
+        QDir().mkdir(place);
+        if (QProcess::execute("ntfs-3g"_q, {"-oro"_q, QString::fromUtf8(files.path("volume")), place}) != 0) {
+            QSKIP("this machine does not let us mount a volume", 0);
+        }
+        const host_case from_mount;
+        const host_case from_image;
+        const host_answer mounted = extract(from_mount, "mounted");
+        files.run("umount mounted");
+        QVERIFY2(mounted.code == 0, mounted.error.constData());
+        QCOMPARE(extract(from_image, "disk.vmdk").code, 0);
+        QVERIFY(from_image.recordings({"creation_time"_q}).size() > 0);
+        QCOMPARE(all_rows(from_image), all_rows(from_mount));
+    }
+
+    void no_profile_comes_of_a_name() {
+        const host_case result;
+        const QByteArray staged = result.result() + "/Artifacts_Result/Cortana/staged/";
+        const host_answer answer =
+            result.run("extract --keep-staged --json "_q + QString::fromUtf8(files.path("source.zip")) + " {R}"_q);
+        QCOMPARE(answer.code, 0);
+        QCOMPARE(answer.json()["profiles"_q], QJsonValue(QJsonArray{"anna"_q, "bernd"_q}));
+        QCOMPARE(QFileInfo(QString::fromUtf8(staged + "Users/Public/Cortana/München.txt")).size(), 0);
+        QVERIFY(!QFile::exists(QString::fromUtf8(staged + "Users/anna/NTUSER.DAT.as_found")));
+        QVERIFY(!answer.out.contains("there.bin")); // no evidence was read of it
+    }
+};
+
+QTEST_GUILESS_MAIN(test_named_elsewhere)
+#include "test_named_elsewhere.moc"
