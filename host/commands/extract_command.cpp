@@ -2,7 +2,9 @@
 // The steps in their order: source, result folder, profiles, lock, workers, summary.
 #include "host/commands/extract_command.h"
 
+#include "contract/table_names.h"
 #include "host/commands/examined_source.h"
+#include "host/commands/export_outcome.h"
 #include "host/console.h"
 #include "host/exit_codes.h"
 #include "host/run/cancellation.h"
@@ -34,7 +36,46 @@ QList<QList<system_account>> group(const QList<system_account>& accounts, bool a
     return groups;
 }
 
-int report(const run_summary& summary, const extract_options& options) {
+// The exports that were asked for, after everything else.
+struct wanted_exports {
+    export_request request;
+    export_outcome outcome;
+    bool are_done = false;
+};
+
+// Reads the result database only, so it needs no worker.
+wanted_exports write_exports(const extract_options& options, run_summary& summary) {
+    wanted_exports exports;
+    if (options.export_formats.isEmpty() || summary.signal != 0) {
+        return exports;
+    }
+    exports.request.database = summary.output.database;
+    exports.request.folder = export_folder_beside(summary.output.database);
+    exports.request.formats = options.export_formats;
+    exports.request.tables = result_table_names();
+    exports.outcome = run_export(exports.request, is_cancelled);
+    exports.are_done = exports.outcome.error.isEmpty();
+    if (exports.outcome.cancelled) {
+        summary.signal = cancel_signal();
+    } else if (!exports.are_done) {
+        summary.add_trouble(QStringLiteral("no exports: ") + exports.outcome.error);
+    }
+    return exports;
+}
+
+bool print_outcome(const run_summary& summary, const extract_options& options, const wanted_exports& exports) {
+    if (options.json) {
+        QJsonObject document = summary_object(summary);
+        if (!exports.request.formats.isEmpty()) {
+            document.insert(QStringLiteral("exports"), export_object(exports.request, exports.outcome));
+        }
+        return print(QJsonDocument(document).toJson(QJsonDocument::Indented));
+    }
+    return options.quiet || (print(summary_table(summary)) &&
+                             (!exports.are_done || print(export_text(exports.request, exports.outcome))));
+}
+
+int report(const run_summary& summary, const extract_options& options, const wanted_exports& exports) {
     say_findings(summary.health, options.quiet);
     say_losses(summary);
     if (!options.quiet && !summary.sandbox.note.isEmpty()) {
@@ -59,13 +100,9 @@ int report(const run_summary& summary, const extract_options& options) {
     if (code == exit_nothing_found) {
         say(QStringLiteral("no Cortana data, web cache or registry hive was found in any chosen profile"));
     }
-    bool printed = true;
-    if (options.json) {
-        printed = print(QJsonDocument(summary_object(summary)).toJson(QJsonDocument::Indented));
-    } else if (!options.quiet) {
-        printed = print(summary_table(summary));
-    }
-    return printed ? code : refuse(exit_output, QStringLiteral("standard output cannot be written"));
+    return print_outcome(summary, options, exports)
+               ? code
+               : refuse(exit_output, QStringLiteral("standard output cannot be written"));
 }
 
 // Owns what this run stages: of a run that leaves no record, nothing stays.
@@ -211,5 +248,6 @@ int run_extract_command(const extract_options& options) {
                           reason)) {
         summary.add_trouble(reason);
     }
-    return report(summary, options);
+    const wanted_exports exports = write_exports(options, summary);
+    return report(summary, options, exports);
 }

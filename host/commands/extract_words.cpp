@@ -72,6 +72,7 @@ command_line read_extract(const command_words& words) {
         line.extract.progress = progress_form::none; // the two would write into each other
     }
     line.extract.library = words.text("library");
+    line.extract.export_formats = words.names("export");
     line.extract.keep_staged = words.has("keep-staged");
     line.extract.clear = words.has("clear");
     line.extract.all_profiles = words.has("all-profiles");

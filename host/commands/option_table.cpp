@@ -130,6 +130,8 @@ const QVector<option_entry>& option_table() {
         {"tables", "diff", value_kind::tables, "NAMES", "Compares these result tables only, separated by commas"},
         {"format", "export", value_kind::formats, "NAMES", "Formats, separated by commas",
          "", "", "", value_use::required},
+        {"export", "extract", value_kind::formats, "NAMES",
+         "Writes all rows in these formats at the end, into exports beside the database"},
         {"out", "export", value_kind::folder, "FOLDER",
          "Folder to write into (default: exports, beside the database)"},
         {"time-zone", "export", value_kind::time_zone, "NAME",

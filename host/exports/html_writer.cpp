@@ -20,10 +20,10 @@ const char* const not_shown_select = "select * from links.reminders_not_shown";
 
 // Why a table may have no rows, in words for the reader.
 std::string no_rows(const QByteArray& table, const report_record& record) {
-    if (!record.is_there) {
+    if (!record.is_there && !record.is_merged()) {
         return "<p class=\"none\">No rows. Without a run record this does not show that there was no data.</p>\n";
     }
-    if (!record.texts("tables").contains(QString::fromLatin1(table))) {
+    if (record.is_there && !record.texts("tables").contains(QString::fromLatin1(table))) {
         return "<p class=\"none\">No rows. The last run did not look for any: the table was not selected.</p>\n";
     }
     return record.has_gaps()
@@ -168,7 +168,13 @@ bool html_writer::write_plain(const char* id, const char* title, const QByteArra
 }
 
 bool html_writer::finish() {
-    const report_record record = read_report_record(database);
+    report_record record = read_report_record(database);
+    if (reader.holds("main", "sources", "outcome")) {
+        reader.read_plain("select outcome from main.sources", [&](const auto&, const std::vector<export_cell>& cells) {
+            ++record.outcomes[shown_text(cells[0])];
+            return true;
+        });
+    }
     const report_facts facts = facts_of_rows();
     bool done = write_overview(record, facts);
     if (done && reader.holds("main", "sources")) {

@@ -2,7 +2,7 @@
 // A missing value reads as 0 or ''.
 #include "host/exports/report_record.h"
 
-#include "host/health/sha256.h"
+#include "host/record/file_digest.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,17 +13,6 @@
 #include <algorithm>
 
 namespace {
-
-QByteArray digest_of(const QString& path) {
-    constexpr qint64 piece = 1 << 20;
-    QFile file(path);
-    sha256 digest;
-    bool read = file.open(QIODevice::ReadOnly);
-    for (QByteArray bytes; read && !(bytes = file.read(piece)).isEmpty();) {
-        digest.take(bytes.constData(), bytes.size());
-    }
-    return read && file.error() == QFileDevice::NoError ? digest.finish() : QByteArray();
-}
 
 void read_run(const QString& path, report_record& record) {
     constexpr qint64 largest = 256 << 20;
@@ -74,6 +63,11 @@ QString report_record::recorded_sha256() const {
 }
 
 bool report_record::has_gaps() const {
+    if (!is_there && is_merged()) {
+        return std::any_of(outcomes.keyBegin(), outcomes.keyEnd(), [](const QString& outcome) {
+            return outcome != QLatin1String("complete") && outcome != QLatin1String("nothing found");
+        });
+    }
     return !is_there || number("could_not_read") > 0 || number("failures") > 0 || number("exit_code") == 1 ||
            number("exit_code") == 5 || number("exit_code") >= 128 || !texts("not_examined").isEmpty() ||
            !run[QLatin1String("losses")].toArray().isEmpty() || !texts("output_troubles").isEmpty();
@@ -85,6 +79,6 @@ report_record read_report_record(const QString& database) {
     const QDir folder = QFileInfo(database).dir();
     read_run(folder.filePath(QStringLiteral("run.json")), record);
     record.earlier = folder.entryList({QStringLiteral("run-*.json")}, QDir::Files).size();
-    record.sha256 = digest_of(database);
+    record.sha256 = digest_of_file(database);
     return record;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -12,7 +13,9 @@ struct report_record {
     QJsonObject run;       // see docs/run_record.schema.json
     int earlier = 0;       // records of runs before it that lie beside it
     QString database;      // the result database
-    QByteArray sha256;     // of the database as it is now, hexadecimal; empty: it cannot be read
+    QMap<QString, qint64>
+        outcomes;      // of a database that was merged of several sources: what came of their runs -> sources
+    QByteArray sha256; // of the database as it is now, hexadecimal; empty: it cannot be read
 
     qint64 number(const char* name) const;
     QString text(const char* name) const;
@@ -23,6 +26,7 @@ struct report_record {
     QString recorded_sha256() const;
     // Something was not read or not finished: no rows do not mean no data.
     bool has_gaps() const;
+    bool is_merged() const { return !outcomes.isEmpty(); }
 };
 
 report_record read_report_record(const QString& database);

@@ -70,7 +70,23 @@ QStringList losses(const report_record& record) {
     return found;
 }
 
+// The records lie with the results that were put together.
+void add_merged_state(const report_record& record, warning_list& list) {
+    QStringList outcomes;
+    for (auto outcome = record.outcomes.begin(); outcome != record.outcomes.end(); ++outcome) {
+        outcomes.append(QStringLiteral("%1: %2").arg(outcome.key()).arg(outcome.value()));
+    }
+    list.add(
+        record.has_gaps() ? "bad" : "info", "The database was put together of several sources",
+        "What could not be read of each stands in the run record beside its own result. The outcomes of their runs, "
+        "which <a href=\"#sources\">the list of sources</a> tells one by one:",
+        outcomes);
+}
+
 void add_record_state(const report_record& record, warning_list& list) {
+    if (!record.is_there && record.is_merged()) {
+        return add_merged_state(record, list);
+    }
     if (!record.is_there) {
         list.add(
             "bad", "There is no run record",

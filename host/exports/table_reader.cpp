@@ -101,8 +101,8 @@ statement_handle table_reader::prepare(const export_table& table) {
     return statement_handle(prepared);
 }
 
-bool table_reader::holds(const char* schema, const char* table) {
-    return trouble.isEmpty() && sqlite3_table_column_metadata(database.get(), schema, table, nullptr, nullptr, nullptr,
+bool table_reader::holds(const char* schema, const char* table, const char* column) {
+    return trouble.isEmpty() && sqlite3_table_column_metadata(database.get(), schema, table, column, nullptr, nullptr,
                                                               nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 

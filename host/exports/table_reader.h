@@ -24,8 +24,8 @@ public:
     // used when the table asks for it. False: take said no, or the table could not be read to its end (see error()).
     bool read(const export_table& table, const QTimeZone& zone, const std::function<bool(const export_row&)>& take);
 
-    // A table besides the nine: whether it is there, in main or in links.
-    bool holds(const char* schema, const char* table);
+    // A table besides the nine: whether it is there, in main or in links, and has the column if one is given.
+    bool holds(const char* schema, const char* table, const char* column = nullptr);
     // Hands over the names of the columns and the values of each row. False: as of read().
     using plain_row_sink = std::function<bool(const QVector<QByteArray>&, const std::vector<export_cell>&)>;
     bool read_plain(const QByteArray& select, const plain_row_sink& take);

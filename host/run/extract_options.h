@@ -33,6 +33,7 @@ struct extract_options {
     bool encipher_log = false;
     QString library; // empty: the one beside the program
     progress_form progress = progress_form::none;
+    QStringList export_formats; // to write at the end; may be empty
     bool json = false;
     bool quiet = false;
 };

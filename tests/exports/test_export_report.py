@@ -191,6 +191,20 @@ class report(export_case):
                     self.assertIn(words, text)
                 self.assertEqual(gap in text, gap in expected)
 
+    def test_merged_sources(self):
+        self.database.execute("create table sources(source text,id text,outcome text)")
+        gap = "does not show that there was no data"
+        for outcome, expected in (("complete", False), ("nothing found", False), ("finished with failures", True),
+                                  ("missing", True)):
+            with self.subTest(outcome):
+                self.insert("sources", [{"source": "Source1", "id": "laptop", "outcome": outcome}])
+                self.make()
+                first = self.text(self.section("first"))
+                self.assertIn(outcome + ": 1", first)
+                self.assertEqual(gap in first and gap in self.text(self.section("searches")), expected)
+                self.assertIn("laptop", self.text(self.section("sources")))
+                self.database.execute("delete from sources where outcome like '%n%f%' or outcome='missing'")
+
     def test_reminders_by_their_ids(self):
         row = {"title": "P", "text": "p", "creation_time": MAY, "completion_time": MAY}
         for table in TABLES[:3]:

@@ -237,6 +237,36 @@ private Q_SLOTS:
             QCOMPARE(host.recordings({"file_name"_q}), QStringList("file_name=text:a.wav"_q));
         }
     }
+
+    void exports_at_the_end_data() {
+        QTest::addColumn<QByteArray>("link"); // stands where the exports go
+        QTest::addColumn<int>("code");
+        QTest::newRow("written") << QByteArray() << 0;
+        QTest::newRow("cannot be written") << QByteArray("/tmp") << 5;
+    }
+    void exports_at_the_end() {
+        QFETCH(QByteArray, link);
+        QFETCH(int, code);
+        const host_case host;
+        add_two_profiles(host);
+        const QByteArray folder = host.result() + "/Artifacts_Result/Cortana";
+        host.make_folders(folder);
+        if (!link.isEmpty()) {
+            QCOMPARE(::symlink(link.constData(), (folder + "/exports").constData()), 0);
+        }
+        const host_answer answer = host.extract("--export html,csv"_q);
+        QCOMPARE(answer.code, code);
+        const QJsonObject exports = answer.json()["exports"_q].toObject();
+        QCOMPARE(exports["error"_q].toString().isEmpty(), code == 0);
+        QCOMPARE(QFile::exists(QString::fromUtf8(folder) + "/exports/report.html"_q), code == 0);
+        qint64 rows = 0;
+        for (const QJsonValue& table : exports["tables"_q].toArray()) {
+            rows += table["rows_out"_q].toInt();
+        }
+        QCOMPARE(rows, code == 0 ? 6 : 0); // three in each format
+        QCOMPARE(host.recordings({"file_name"_q}).size(), 3);
+        QVERIFY(whole_file(QString::fromUtf8(folder) + "/run.json"_q).contains("\"exit_code\": 0"));
+    }
 };
 
 QTEST_GUILESS_MAIN(test_host_runs)
