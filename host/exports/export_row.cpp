@@ -29,19 +29,14 @@ export_table described_export(const table_description& table, bool with_zone) {
 }
 
 void add_link_columns(export_table& table) {
-    const QByteArray reminder_tables[] = {"time_reminders", "place_reminders", "contact_triggers"};
-    if (std::find(std::begin(reminder_tables), std::end(reminder_tables), table.name) == std::end(reminder_tables)) {
+    if (table.index_of("title") < 0 || table.index_of("completion_time") < 0) {
         return;
     }
     QByteArray columns;
     for (const column_description& column : qAsConst(table.columns)) {
         columns += QByteArray(columns.isEmpty() ? "r." : ",r.") + column.name;
     }
-    const char* const by_ids = "Triggers: ReminderId, Reminders: Id";
-    table.columns.append({"reminder_link", column_kind::text, "",
-                          "whether title, text and times are those of the reminder that the ids lead to", by_ids});
-    table.columns.append({"linked_title", column_kind::text, "", "title of the reminder that the ids lead to", by_ids});
-    table.columns.append({"linked_text", column_kind::text, "", "text of the reminder that the ids lead to", by_ids});
+    table.columns += link_columns();
     table.beside = {"why", "linked_creation_time", "linked_last_update_time", "linked_last_access_time",
                     "linked_completion_time"};
     table.select = "select " + columns + ",l.reminder_link,l.linked_title,l.linked_text";

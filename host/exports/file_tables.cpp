@@ -37,8 +37,31 @@ constexpr column entry_synced{
 constexpr column entry_expires{"expiration_timestamp", kind::time,       "s", "expires", "the entry's ExpiryTime",
                                event_kind::other,      "Expiration Time"};
 
-column address(const char* meaning) {
-    return {"url", kind::url, "", meaning, "the entry's Url"};
+// What the rows of the three kinds of entries begin with.
+QVector<column> entry_columns(const char* meaning_of_url) {
+    return {
+        bookmark,           row_key,
+        system_user,        domain_user,
+        entry_name,         entry_size,
+        entry_file_path,    file_exists,
+        entry_windows_path, {"url", kind::url, "", meaning_of_url, "the entry's Url"},
+        access_count,       entry_created,
+        entry_modified,     entry_accessed,
+        entry_synced,       entry_expires,
+        attributes,         exif,
+        attribute_pairs,    attribute_search,
+    };
+}
+
+// And what they end with.
+QVector<column> host_columns() {
+    return {host_tag, notes_icon, tags_icon, os_scheme, source_name, source_file, relation_file, notes};
+}
+
+// between: where a table has the columns that the others have elsewhere.
+table_description entry_table(const char* name, const char* row, const char* origin, const char* meaning_of_url,
+                              const QVector<column>& between) {
+    return {name, row, origin, {"url", "windows_path"}, entry_columns(meaning_of_url) + between + host_columns()};
 }
 
 } // namespace
@@ -51,7 +74,7 @@ table_description described_latest_audio_search() {
         "a recorded voice search",
         "files below LocalState/LocalRecorder/Speech of the profile's Cortana package",
         {"windows_path"},
-        {
+        QVector<column>{
             bookmark,
             row_key,
             system_user,
@@ -72,140 +95,25 @@ table_description described_latest_audio_search() {
             from(preview_path, file_itself),
             from(export_path, file_itself),
             link_file,
-            host_tag,
-            notes_icon,
-            tags_icon,
-            os_scheme,
-            source_name,
-            source_file,
-            relation_file,
-            notes,
-        },
+        } + host_columns(),
     };
 }
 
 table_description described_cache_files() {
-    return {
-        "cache_files",
-        "a cached file",
-        "WebCacheV01.dat: containers named \"Content\" of the Cortana package",
-        {"url", "windows_path"},
-        {
-            bookmark,
-            row_key,
-            system_user,
-            domain_user,
-            entry_name,
-            entry_size,
-            entry_file_path,
-            file_exists,
-            entry_windows_path,
-            address("address that the file was loaded from"),
-            access_count,
-            entry_created,
-            entry_modified,
-            entry_accessed,
-            entry_synced,
-            entry_expires,
-            attributes,
-            exif,
-            attribute_pairs,
-            attribute_search,
-            link_file,
-            entry_preview_path,
-            entry_export_path,
-            host_tag,
-            notes_icon,
-            tags_icon,
-            os_scheme,
-            source_name,
-            source_file,
-            relation_file,
-            notes,
-        },
-    };
+    return entry_table("cache_files", "a cached file",
+                       "WebCacheV01.dat: containers named \"Content\" of the Cortana package",
+                       "address that the file was loaded from", {link_file, entry_preview_path, entry_export_path});
 }
 
 table_description described_cookies() {
-    return {
-        "cookies",
-        "a cookie file",
-        "WebCacheV01.dat: containers named \"Cookies\" of the Cortana package",
-        {"url", "windows_path"},
-        {
-            bookmark,
-            row_key,
-            system_user,
-            domain_user,
-            entry_name,
-            entry_size,
-            entry_file_path,
-            file_exists,
-            entry_windows_path,
-            address("site of the cookie, without the user's name"),
-            access_count,
-            entry_created,
-            entry_modified,
-            entry_accessed,
-            entry_synced,
-            entry_expires,
-            attributes,
-            exif,
-            attribute_pairs,
-            attribute_search,
-            link_file,
-            entry_preview_path,
-            entry_export_path,
-            host_tag,
-            notes_icon,
-            tags_icon,
-            os_scheme,
-            source_name,
-            source_file,
-            relation_file,
-            notes,
-        },
-    };
+    return entry_table(
+        "cookies", "a cookie file", "WebCacheV01.dat: containers named \"Cookies\" of the Cortana package",
+        "site of the cookie, without the user's name", {link_file, entry_preview_path, entry_export_path});
 }
 
 table_description described_domstore() {
-    return {
-        "domstore",
-        "a DOM storage entry",
-        "WebCacheV01.dat: containers named \"DOMStore\" of the Cortana package",
-        {"url", "windows_path"},
-        {
-            bookmark,
-            row_key,
-            system_user,
-            domain_user,
-            entry_name,
-            entry_size,
-            entry_file_path,
-            file_exists,
-            entry_windows_path,
-            address("site that stored the entry, without \"DOMStore:\" in front"),
-            access_count,
-            entry_created,
-            entry_modified,
-            entry_accessed,
-            entry_synced,
-            entry_expires,
-            attributes,
-            exif,
-            attribute_pairs,
-            attribute_search,
-            entry_preview_path,
-            entry_export_path,
-            link_file,
-            host_tag,
-            notes_icon,
-            tags_icon,
-            os_scheme,
-            source_name,
-            source_file,
-            relation_file,
-            notes,
-        },
-    };
+    return entry_table("domstore", "a DOM storage entry",
+                       "WebCacheV01.dat: containers named \"DOMStore\" of the Cortana package",
+                       "site that stored the entry, without \"DOMStore:\" in front",
+                       {entry_preview_path, entry_export_path, link_file});
 }

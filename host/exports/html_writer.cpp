@@ -95,9 +95,7 @@ report_facts html_writer::facts_of_rows() {
     report_facts facts;
     for (const report_rows& table : tables) {
         facts.rows += table.count();
-        const QByteArray& name = table.table().name;
-        const bool is_reminders = name.endsWith("_reminders") || name == "contact_triggers";
-        facts.reminders += is_reminders ? table.count() : 0;
+        facts.reminders += description_of(table.table().name)->has_reminders() ? table.count() : 0;
         for (auto link = table.links().begin(); link != table.links().end(); ++link) {
             facts.links[link.key()] += link.value();
         }

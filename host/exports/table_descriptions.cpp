@@ -19,6 +19,23 @@ bool table_description::has_places() const {
     return index_of("latitude") >= 0 && index_of("longitude") >= 0;
 }
 
+bool table_description::has_reminders() const {
+    return index_of("title") >= 0 && index_of("completion_time") >= 0;
+}
+
+const QVector<column_description>& link_columns() {
+    static const char* const by_ids = "Triggers: ReminderId, Reminders: Id";
+    static const QVector<column_description> columns{
+        {"reminder_link", column_kind::text, "",
+         "confirmed, contradicted or undecided: whether title, text and times are those of the reminder that the ids "
+         "lead to",
+         by_ids},
+        {"linked_title", column_kind::text, "", "title of the reminder that the ids lead to", by_ids},
+        {"linked_text", column_kind::text, "", "text of the reminder that the ids lead to", by_ids},
+    };
+    return columns;
+}
+
 const QVector<table_description>& table_descriptions() {
     static const QVector<table_description> tables{
         described_time_reminders(),   described_place_reminders(),

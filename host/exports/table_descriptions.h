@@ -39,12 +39,17 @@ struct table_description {
     QVector<const char*> told_by;        // the columns that tell a reader what the row is, most telling first
     QVector<column_description> columns; // all of them, in the order of the schema
 
+    bool has_reminders() const;             // it is one of those that link_columns() are added to
     bool has_places() const;                // latitude and longitude are among the columns
     int index_of(const char* column) const; // -1 when there is none
 };
 
 // In the order in which the plugin fills them.
 const QVector<table_description>& table_descriptions();
+
+// The columns that exports add to a table of reminders, from the links database; the plugin's database has none of
+// them.
+const QVector<column_description>& link_columns();
 
 // The words for a kind in `cortana schema`.
 const char* name_of(column_kind kind);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// flock(2): workers do not inherit it, since the descriptor closes when they are started.
+// A lock of the process, fcntl(2): a worker that is being started does not inherit it for a moment, as it would one of
+// flock(2). It ends when the process closes the file anywhere, so this is the only place that opens it.
 #include "host/run/run_lock.h"
 
 #include "source/native_names.h"
@@ -8,7 +9,6 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 run_lock::~run_lock() {
@@ -19,12 +19,16 @@ run_lock::~run_lock() {
 
 bool run_lock::take(const QString& folder, QString& reason) {
     const QByteArray file = QFile::encodeName(folder) + ".cortana.lock";
+    struct flock whole = {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
     handle = ::open(file.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
-    holds = handle >= 0 && ::flock(handle, LOCK_EX | LOCK_NB) == 0;
+    holds = handle >= 0 && ::fcntl(handle, F_SETLK, &whole) == 0;
     if (holds) {
         return true;
     }
-    reason = errno == EWOULDBLOCK ? QStringLiteral("another run writes into it") : error_words(errno);
+    const bool is_busy = handle >= 0 && (errno == EAGAIN || errno == EACCES);
+    reason = is_busy ? QStringLiteral("another run writes into it") : error_words(errno);
     return false;
 }
 

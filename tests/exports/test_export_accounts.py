@@ -96,6 +96,8 @@ class accounts(export_case):
                 self.assertEqual({c["name"] for c in table["columns"] if c["kind"] in ("time", "key", "size", "count")}
                                  | {"bookmark"}, integers)
                 self.assertTrue(all(c["meaning"] and c["origin"] for c in table["columns"]))
+                self.assertEqual([c["name"] for c in table.get("export_columns", [])],
+                                 ["reminder_link", "linked_title", "linked_text"] * (table["name"] in TABLES[:3]))
 
     def test_the_document_holds_the_schema(self):
         with open(os.environ["TOP"] + "/docs/artifacts.md", encoding="utf-8") as file:

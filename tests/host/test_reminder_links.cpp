@@ -17,6 +17,8 @@ struct core_words {
     QString reminders;
     QString triggers;
     QString times;
+    QString places = {};   // "id=name"
+    QString contacts = {}; // likewise
 };
 
 std::vector<std::pair<ese_value, std::string>> pairs_of(const QString& words) {
@@ -48,8 +50,9 @@ void write_core(const host_case& host, const QByteArray& user, const core_words&
         const std::int64_t time = filetime_of(made);
         reminders.push_back({id, 1, 0, time, time, time, nullptr, title, "text of " + title});
     }
+    const int kind = !words.places.isEmpty() ? 1 : words.contacts.isEmpty() ? 2 : 3;
     for (const auto& [id, reminder] : pairs_of(words.triggers)) {
-        triggers.push_back({id, reminder, 2, filetime_of(made)});
+        triggers.push_back({id, reminder, kind, filetime_of(made)});
     }
     for (const auto& [id, second] : pairs_of(words.times)) {
         times.push_back({id, filetime_of(made + std::stoi(second)), 0, "", 1, 0, "", ""});
@@ -58,6 +61,20 @@ void write_core(const host_case& host, const QByteArray& user, const core_words&
     write_table(file, core_triggers(), triggers);
     write_table(file, core_reminders(), reminders);
     write_table(file, core_time_triggers(), times);
+    if (!words.places.isEmpty()) {
+        std::vector<ese_row> rows;
+        for (const auto& [id, name] : pairs_of(words.places)) {
+            rows.push_back({id, 48.5, 11.5, 100.0, nullptr, name});
+        }
+        write_table(file, core_location_triggers(), rows);
+    }
+    if (!words.contacts.isEmpty()) {
+        std::vector<ese_row> rows;
+        for (const auto& [id, name] : pairs_of(words.contacts)) {
+            rows.push_back({id, "", 1, 0, "", "", name, ""});
+        }
+        write_table(file, core_contact_triggers(), rows);
+    }
     file.close();
 }
 
@@ -169,18 +186,37 @@ private Q_SLOTS:
         QCOMPARE(told(host), QStringList({"1 contradicted B"_q, "- not shown B"_q}));
     }
 
+    // One more reminder than triggers of a kind: each row shows the extra one's title.
+    void exports_and_rows_tell_it_data() {
+        QTest::addColumn<QString>("places");
+        QTest::addColumn<QString>("contacts");
+        QTest::newRow("time_reminders") << ""
+                                        << "";
+        QTest::newRow("place_reminders") << "t1=Home"
+                                         << "";
+        QTest::newRow("contact_triggers") << ""
+                                          << "t1=Zoe";
+    }
     void exports_and_rows_tell_it() {
+        QFETCH(QString, places);
+        QFETCH(QString, contacts);
+        const QString table = QString::fromUtf8(QTest::currentDataTag());
+        const bool by_time = places.isEmpty() && contacts.isEmpty();
         const host_case host;
-        write_core(host, "anna", {"r0=X r1=A"_q, "t1=r1"_q, "t1=1"_q});
-        QCOMPARE(host.extract().code, 0);
-        const QByteArray rows = host.run("rows --tables time_reminders,searches {R}"_q).out;
+        write_core(host, "anna", {"r0=X r1=A"_q, "t1=r1"_q, by_time ? QString("t1=1"_q) : QString(), places, contacts});
+        const host_answer extracted = host.extract();
+        QVERIFY2(extracted.code == 0, extracted.error.constData());
+        QCOMPARE(told(host), QStringList({"1 contradicted A"_q, "- not shown A"_q}));
+        const QByteArray rows = host.run("rows {R} --tables searches,"_q + table).out;
         QVERIFY2(rows.contains("reminder_link: contradicted | linked_title: A | linked_text: text of A"),
                  rows.constData());
         QVERIFY2(rows.contains("1 of 1 rows contradicted"), rows.constData());
-        QCOMPARE(host.run("export --format csv,jsonl {R}"_q).code, 0);
+        QCOMPARE(host.run("export --format csv,jsonl,html {R}"_q).code, 0);
         const QString exports = QString::fromUtf8(host.result() + "/Artifacts_Result/Cortana/exports/");
-        QVERIFY(whole_file(exports + "time_reminders.csv"_q).contains(",contradicted,A,text of A"));
-        QVERIFY(whole_file(exports + "time_reminders.jsonl"_q).contains("\"reminder_link\":\"contradicted\""));
+        QVERIFY(whole_file(exports + table + ".csv"_q).contains(",contradicted,A,text of A"));
+        QVERIFY(whole_file(exports + table + ".jsonl"_q).contains("\"reminder_link\":\"contradicted\""));
+        QVERIFY(
+            whole_file(exports + "report.html"_q).contains("<td>A<div class=\"pos\"><b>by position</b> X</div></td>"));
         QVERIFY(!whole_file(exports + "searches.csv"_q).contains("reminder_link"));
     }
 };
