@@ -35,7 +35,7 @@ in_bare() { # ROOT COMMAND...: runs it as the only command of a machine would be
 new_system() { # ROOT
     rm -rf "$1"
     mkdir -p "$1"
-    debootstrap --variant=minbase --include=git,ca-certificates "$release" "$1" "$mirror" >"$1.log" 2>&1 ||
+    debootstrap --variant=minbase --include=git,ca-certificates,netbase "$release" "$1" "$mirror" >"$1.log" 2>&1 ||
         { tail -n 20 "$1.log" >&2; exit 1; }
     cp /etc/resolv.conf "$1/etc/resolv.conf"
 }
