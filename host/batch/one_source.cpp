@@ -103,7 +103,12 @@ public:
         if (place.refused != 0) {
             return outcome(place.refused, id, place.reason);
         }
+        const QString holder = QStringLiteral("host %1, process %2").arg(record.host).arg(::getpid());
         if (const std::optional<source_outcome> settled = settle_done()) {
+            // A run that died between its result's name and its own end leaves its lock.
+            if (QFile::exists(out.lock(id)) && lock.take(out.lock(id), holder, reason)) {
+                lock.remove();
+            }
             return *settled;
         }
         bool is_other = false;
@@ -111,7 +116,6 @@ public:
             return outcome(is_other ? exit_usage : exit_output, id,
                            reason.isEmpty() ? QStringLiteral("the folder %1 cannot be made").arg(run.out) : reason);
         }
-        const QString holder = QStringLiteral("host %1, process %2").arg(record.host).arg(::getpid());
         if (!lock.take(out.lock(id), holder, reason)) {
             return outcome(exit_output, id, reason);
         }

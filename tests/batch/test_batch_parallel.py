@@ -44,7 +44,7 @@ class test_parallel(batch_case):
             file.write(PROGRAM)
         os.chmod(self.base + "/bin/cortana", stat.S_IRWXU)
         sources = [{"path": self.make_source("pc%d" % number, "anna" if number % 3 else "bernd"),
-                    "tables": TABLES if number % 6 < 2 else ["searches"]} for number in range(SOURCES)]
+                    "tables": TABLES if number % 12 == 0 else ["searches"]} for number in range(SOURCES)]
         self.write_manifest(sources)
         self.mark((2, 17, 18, 33, 60), self.out + "/.s{}.partial.lock")
         self.mark((5, 21, 40), self.out + "/.s{}.partial")

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Supervisor or worker killed with SIGKILL at moments spread over a run, counted in its lines of progress. Eight
+// Supervisor or worker killed with SIGKILL at moments spread over a run, counted in its lines of progress. Five
 // moments each; CORTANA_KILLS in the environment asks for another number.
 #include "fuzz/mutated_runs.h"
 #include "host_case.h"
@@ -106,7 +106,7 @@ private Q_SLOTS:
         const profile_rows whole = rows_by_profile(database_of(host));
         QVERIFY(lines > 20 && whole.size() == 3);
         const int kills =
-            qEnvironmentVariableIsSet("CORTANA_KILLS") ? qEnvironmentVariableIntValue("CORTANA_KILLS") : 8;
+            qEnvironmentVariableIsSet("CORTANA_KILLS") ? qEnvironmentVariableIntValue("CORTANA_KILLS") : 5;
         for (const bool worker : {false, true}) {
             int incomplete = 0;
             for (int kill = 0; kill < kills; ++kill) {
