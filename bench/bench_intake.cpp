@@ -121,7 +121,7 @@ int stage(const char* source, const char* staging) {
     std::printf("profiles           %8d\n", profiles.size());
     std::printf("files and folders  %8d\n", staged.entries.size());
     std::printf("bytes              %8.1f MiB\n", double(bytes) / (1 << 20));
-    std::printf("problems           %8lld\n", staged.findings.problem_count);
+    std::printf("problems           %8lld\n", static_cast<long long>(staged.findings.problem_count));
     std::printf("most memory        %8.1f MiB\n", double(usage.ru_maxrss) / 1024);
     for (const finding& one : staged.findings.problems.mid(0, 5)) {
         std::printf("  %s: %s\n", qPrintable(one.path), qPrintable(one.reason));
