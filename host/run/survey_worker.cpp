@@ -100,13 +100,14 @@ void read_names(const QString& root, const QString& file, const QStringList& tab
         return !is_cancelled() && !collector.is_full();
     });
     reader.start_parsing(database, QStringLiteral("Containers"));
+    const QString prefix = QStringLiteral("Container_");
     for (const webcache_naming* const one : {&cache_files_naming, &cookies_naming, &domstore_naming}) {
         naming = one;
         for (const specific_table::struct_container_data& container : qAsConst(reader.list_container_data)) {
             if (tables.contains(QLatin1String(one->table)) && !is_cancelled() &&
                 is_cortana_container(container, QLatin1String(one->container_name))) {
-                reader.start_parsing(database, QStringLiteral("Container_") + container.container_id,
-                                     container.directory, container.secure_directories);
+                reader.start_parsing(database, prefix + container.container_id, container.directory,
+                                     container.secure_directories);
             }
         }
     }
@@ -114,6 +115,10 @@ void read_names(const QString& root, const QString& file, const QStringList& tab
         findings.add_problem(file, QStringLiteral("its entries name very many files: not all of them were looked for "
                                                   "outside of the package folder"));
     }
+}
+
+QString shown_search(const QString& text, const QString& time) {
+    return time.isEmpty() ? text : QStringLiteral("%1 (time %2)").arg(text, time);
 }
 
 // How often a hive has each search, which is text and time.
@@ -129,7 +134,7 @@ QMap<QString, int> searches_in(const QString& hive) {
             const QString text = rule.text(bytes);
             const QString time = rule.time(bytes);
             if (!text.isEmpty() || !time.isEmpty()) {
-                ++searches[time.isEmpty() ? text : QStringLiteral("%1 (time %2)").arg(text, time)];
+                ++searches[shown_search(text, time)];
             }
         }
     }
