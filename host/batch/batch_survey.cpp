@@ -3,19 +3,17 @@
 #include "host/batch/batch_survey.h"
 
 #include "host/batch/manifest_file.h"
+#include "host/batch/publish.h"
 #include "host/batch/source_lock.h"
 #include "host/exit_codes.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QJsonDocument>
 
 namespace batch {
 namespace {
 
 bool read_record(const QString& file, batch_record& record) {
-    QFile opened(file);
-    return opened.open(QIODevice::ReadOnly) && record_of(QJsonDocument::fromJson(opened.readAll()).object(), record);
+    return record_of(object_in(file), record);
 }
 
 // What there is when no result is in place.

@@ -2,10 +2,10 @@
 // Nothing is read beyond what tells which files belong to an image.
 #include "host/batch/evidence_state.h"
 
+#include "host/health/utc_text.h"
 #include "host/intake/image_files.h"
 #include "source/native_names.h"
 
-#include <QDateTime>
 #include <QFile>
 
 #include <cerrno>
@@ -16,11 +16,6 @@ namespace {
 
 bool is_later(const timespec& one, const timespec& other) {
     return one.tv_sec != other.tv_sec ? one.tv_sec > other.tv_sec : one.tv_nsec > other.tv_nsec;
-}
-
-QString text_of(const timespec& time) {
-    return QDateTime::fromSecsSinceEpoch(time.tv_sec, Qt::UTC).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")) +
-           QStringLiteral(".%1Z").arg(time.tv_nsec, 9, 10, QLatin1Char('0'));
 }
 
 } // namespace
@@ -38,7 +33,7 @@ bool look_at_evidence(const manifest_source& source, evidence_state& state, QStr
         if (::stat((path + "/Users").constData(), &status) == 0 && is_later(status.st_mtim, latest)) {
             latest = status.st_mtim;
         }
-        state.modified = text_of(latest);
+        state.modified = utc_text(latest.tv_sec, latest.tv_nsec);
         return true;
     }
     state.files = 0;
@@ -51,7 +46,7 @@ bool look_at_evidence(const manifest_source& source, evidence_state& state, QStr
         state.size += status.st_size;
         latest = is_later(status.st_mtim, latest) ? status.st_mtim : latest;
     }
-    state.modified = text_of(latest);
+    state.modified = utc_text(latest.tv_sec, latest.tv_nsec);
     return true;
 }
 

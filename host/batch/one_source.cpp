@@ -67,11 +67,6 @@ private:
     QString path;
 };
 
-QJsonObject object_in(const QString& file) {
-    QFile opened(file);
-    return opened.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(opened.readAll()).object() : QJsonObject();
-}
-
 QByteArray text_of(const QJsonObject& object) {
     return QJsonDocument(object).toJson(QJsonDocument::Indented);
 }

@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonDocument>
 
 #include <cerrno>
 #include <cstdio>
@@ -188,6 +189,11 @@ bool publish_folder(const QString& finished, const QString& parent, const QStrin
     }
     remove_folder(aside(parent, name));
     return sync_folder(native(parent), error);
+}
+
+QJsonObject object_in(const QString& file) {
+    QFile opened(file);
+    return opened.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(opened.readAll()).object() : QJsonObject();
 }
 
 bool write_whole(const QString& file, const QByteArray& content, QString& error) {

@@ -2,6 +2,7 @@
 // A finished folder of a local disk is brought to a shared one: it is seen there whole or not at all.
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
 
 namespace batch {
@@ -17,6 +18,9 @@ void take_back(const QString& parent, const QString& name);
 
 // With all that is in it; links are not followed. What is not there is gone already.
 void remove_folder(const QString& folder);
+
+// The JSON object in a file; an empty one when there is none that can be read.
+QJsonObject object_in(const QString& file);
 
 // Writes a small file whole: beside it first, then to the disk, then renamed.
 bool write_whole(const QString& file, const QByteArray& content, QString& error);

@@ -3,6 +3,7 @@
 // knows them. They end when the process closes the file anywhere, so it opens the file once.
 #include "host/batch/source_lock.h"
 
+#include "host/run/run_lock.h"
 #include "source/native_names.h"
 
 #include <QFile>
@@ -14,13 +15,6 @@
 
 namespace batch {
 namespace {
-
-struct flock whole_file() {
-    struct flock lock = {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    return lock;
-}
 
 // The one who had it may have removed the file meanwhile: then it is another one that the next comes to lock.
 bool is_still(int handle, const QByteArray& path) {
@@ -49,10 +43,9 @@ bool source_lock::take(const QString& file, const QString& holder, QString& reas
     path = QFile::encodeName(file);
     for (int i = 0; i < most_tries; ++i) {
         const int opened = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
-        struct flock lock = whole_file();
-        if (opened < 0 || ::fcntl(opened, F_SETLK, &lock) != 0) {
+        if (opened < 0 || !lock_whole_file(opened)) {
             const int error = errno;
-            const bool busy = opened >= 0 && (error == EAGAIN || error == EACCES);
+            const bool busy = opened >= 0 && is_locked_by_another(error);
             reason = busy ? QStringLiteral("another run works on it: %1").arg(content_of(opened)) : error_words(error);
             if (opened >= 0) {
                 ::close(opened);
@@ -86,7 +79,9 @@ lock_state look_at_lock(const QString& file, QString& holder) {
     if (opened < 0) {
         return lock_state::none;
     }
-    struct flock lock = whole_file();
+    struct flock lock = {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
     const bool held = ::fcntl(opened, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
     holder = content_of(opened);
     ::close(opened);

@@ -96,7 +96,7 @@ int run_batch_merge_command(const batch_merge_options& options) {
     say_all("failed", answer.failed);
     say_all("done with failures", answer.with_failures);
     if (is_cancelled()) {
-        return refuse(128 + cancel_signal(), QStringLiteral("cancelled"));
+        return refuse(cancel_exit_code(), QStringLiteral("cancelled"));
     }
     if (!answer.error.isEmpty()) {
         return refuse(answer.exit_code, answer.error);

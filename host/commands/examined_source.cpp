@@ -50,7 +50,7 @@ bool open_examined(const extract_options& options, const QByteArray& source, con
     examined.staging = stage_source(source, staging, options);
     const staging_outcome& staged = examined.staging;
     if (is_cancelled() && staged.refused == exit_failures) {
-        code = refuse(128 + cancel_signal(), QStringLiteral("cancelled"));
+        code = refuse(cancel_exit_code(), QStringLiteral("cancelled"));
         return false;
     }
     if (staged.refused != 0) {

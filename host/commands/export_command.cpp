@@ -38,7 +38,7 @@ int run_export_command(const export_options& options) {
     const export_request request = request_of(options);
     const export_outcome outcome = run_export(request, is_cancelled);
     const bool done = outcome.error.isEmpty();
-    const int code = done ? exit_complete : outcome.cancelled ? 128 + cancel_signal() : int(exit_output);
+    const int code = done ? exit_complete : outcome.cancelled ? cancel_exit_code() : int(exit_output);
     if (!done) {
         say(outcome.error);
     }

@@ -41,12 +41,8 @@ const table_description* description_of(const QByteArray& name) {
 
 std::string plain_cell(const QByteArray& name, const export_cell& cell) {
     std::string html = "<td>";
-    if (name.endsWith("_time") && cell.type == export_cell::integer) {
-        if (is_time(cell.whole)) {
-            time_text utc = {};
-            put_utc_text(cell.whole, utc);
-            append_shown_time(utc, html);
-        }
+    if (name.endsWith("_time")) {
+        append_utc_time(cell, html);
     } else {
         std::string value;
         append_exact(cell, value);

@@ -42,16 +42,6 @@ void append_stored_time(const export_row& row, std::size_t index, std::string& t
     }
 }
 
-void append_linked_time(const export_cell& cell, std::string& to) {
-    if (cell.type == export_cell::integer && is_time(cell.whole)) {
-        time_text utc = {};
-        put_utc_text(cell.whole, utc);
-        append_shown_time(utc, to);
-    } else {
-        append_no_time(cell, to);
-    }
-}
-
 void append_positioned(const std::string& content, std::string& to) {
     if (!content.empty()) {
         to += by_position;
@@ -72,6 +62,16 @@ void append_long(std::string_view text, std::string& to) {
     append_html(text, to);
     to += R"(</div><p class="cut">)" + grouped(static_cast<qint64>(text.size())) +
           " bytes; print shows the beginning, the file holds all</p>";
+}
+
+void append_utc_time(const export_cell& cell, std::string& to) {
+    if (cell.type == export_cell::integer && is_time(cell.whole)) {
+        time_text utc = {};
+        put_utc_text(cell.whole, utc);
+        append_shown_time(utc, to);
+    } else {
+        append_no_time(cell, to);
+    }
 }
 
 void append_shown_time(const time_text& text, std::string& to) {
@@ -114,7 +114,7 @@ void append_time(const report_column& column, const export_row& row, std::string
         return;
     }
     if (is_linked(row)) {
-        append_linked_time(linked, to);
+        append_utc_time(linked, to);
     }
     append_positioned(position.empty() && is_linked(row) ? "<i>none</i>" : position, to);
 }

@@ -4,12 +4,12 @@
 
 #include "host/health/file_checker.h"
 #include "host/health/sha256.h"
+#include "host/health/utc_text.h"
 #include "source/folder_listing.h"
 #include "source/native_names.h"
 #include "source/quiet_open.h"
 #include "source/real_location.h"
 
-#include <QDateTime>
 #include <QVector>
 
 #include <algorithm>
@@ -22,9 +22,7 @@ namespace {
 constexpr int for_reading = O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC;
 
 QString time_text(const statx_timestamp& time) {
-    const QDateTime seconds = QDateTime::fromSecsSinceEpoch(time.tv_sec, Qt::UTC);
-    return seconds.toString(QStringLiteral("yyyy-MM-ddThh:mm:ss")) +
-           QStringLiteral(".%1Z").arg(time.tv_nsec, 9, 10, QLatin1Char('0'));
+    return utc_text(time.tv_sec, time.tv_nsec);
 }
 
 evidence_record record_of(const QByteArray& file, const quiet_file& opened) {

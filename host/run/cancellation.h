@@ -14,6 +14,10 @@ int cancel_signal();
 inline bool is_cancelled() {
     return cancel_signal() != 0;
 }
+// What a cancelled process ends with, as a shell would tell of it: 130 or 143.
+inline int cancel_exit_code() {
+    return 128 + cancel_signal();
+}
 
 // Names the plugin object that a signal is passed to, as long as this object lives.
 class cancel_target {

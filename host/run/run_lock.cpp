@@ -11,6 +11,17 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+bool lock_whole_file(int descriptor) {
+    struct flock whole = {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    return ::fcntl(descriptor, F_SETLK, &whole) == 0;
+}
+
+bool is_locked_by_another(int error) {
+    return error == EAGAIN || error == EACCES;
+}
+
 run_lock::~run_lock() {
     if (handle >= 0) {
         ::close(handle);
@@ -19,15 +30,12 @@ run_lock::~run_lock() {
 
 bool run_lock::take(const QString& folder, QString& reason) {
     const QByteArray file = QFile::encodeName(folder) + ".cortana.lock";
-    struct flock whole = {};
-    whole.l_type = F_WRLCK;
-    whole.l_whence = SEEK_SET;
     handle = ::open(file.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
-    holds = handle >= 0 && ::fcntl(handle, F_SETLK, &whole) == 0;
+    holds = handle >= 0 && lock_whole_file(handle);
     if (holds) {
         return true;
     }
-    const bool is_busy = handle >= 0 && (errno == EAGAIN || errno == EACCES);
+    const bool is_busy = handle >= 0 && is_locked_by_another(errno);
     reason = is_busy ? QStringLiteral("another run writes into it") : error_words(errno);
     return false;
 }

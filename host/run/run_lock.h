@@ -5,6 +5,11 @@
 #include <QByteArray>
 #include <QString>
 
+// Takes the process's own lock of a whole file that is open for writing, without waiting. False: see errno, which
+// is_locked_by_another() reads. The lock ends when the process closes the file anywhere.
+bool lock_whole_file(int descriptor);
+bool is_locked_by_another(int error);
+
 class run_lock {
 public:
     run_lock() = default;

@@ -3,6 +3,7 @@
 #include "host/run/staging_worker.h"
 
 #include "host/exit_codes.h"
+#include "host/health/utc_text.h"
 #include "host/intake/as_it_stands.h"
 #include "host/intake/names.h"
 #include "host/intake/open_source.h"
@@ -11,7 +12,6 @@
 #include "host/run/cancellation.h"
 #include "source/native_names.h"
 
-#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 
@@ -79,8 +79,7 @@ QString time_text(const std::optional<qint64>& ticks) {
         return {};
     }
     const timespec time = timespec_of(*ticks);
-    return QDateTime::fromSecsSinceEpoch(time.tv_sec, Qt::UTC).toString(QStringLiteral("yyyy-MM-ddThh:mm:ss")) +
-           QStringLiteral(".%1Z").arg(time.tv_nsec, 9, 10, QLatin1Char('0'));
+    return utc_text(time.tv_sec, time.tv_nsec);
 }
 
 staged_file file_of(const staged_entry& entry) {
