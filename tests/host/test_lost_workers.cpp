@@ -21,6 +21,15 @@ QVariantMap rows_of(const QJsonObject& summary, const QString& profile) {
     return rows;
 }
 
+// The texts under the key, in the list's order; of a list of texts without one.
+QStringList texts_of(const QJsonValue& list, const QString& key = {}) {
+    QStringList texts;
+    for (const QJsonValue& one : list.toArray()) {
+        texts << (key.isEmpty() ? one : one[key]).toString();
+    }
+    return texts;
+}
+
 using lost_steps = QMap<QString, QString>; // {profile: why}
 
 const QString misbehaving = QStringLiteral(" --library " MISBEHAVING_PLUGIN);
@@ -78,10 +87,33 @@ private Q_SLOTS:
         }
         QCOMPARE(told, lost);
         QCOMPARE(summary["losses"_q].toArray().size(), lost.size());
+        // What the workers of one profile tell alike is told once.
+        const QByteArray record = whole_file(QString::fromUtf8(host.result() + "/Artifacts_Result/Cortana/run.json"));
+        for (QStringList list : {texts_of(QJsonDocument::fromJson(record)["evidence"_q], "path"_q),
+                                 texts_of(summary["sources_found"_q])}) {
+            QVERIFY(list.size() >= 2 + lost.size());
+            QCOMPARE(list.removeDuplicates(), 0);
+        }
         // Every step but the lost ones came to its end, in the profiles' order, and no work is left behind.
         const QByteArray log = whole_file(QString::fromUtf8(host.log()));
+        QCOMPARE(log.count("half a line\n"), lost.keys().filter("dies_"_q).size());
         QCOMPARE(log.count("----- ENDS ------") + log.count("-----ENDS------"), ends);
         QVERIFY(!QFile::exists(QString::fromUtf8(host.result() + "/Artifacts_Result/Cortana/.workers")));
+    }
+
+    void what_only_counts_or_log_tell_is_told_data() {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QByteArray>("words");
+        QTest::newRow("boasts") << 5 << QByteArray("rows were lost: the plugin wrote 2, the database");
+        QTest::newRow("complains_before_cookies") << 3 << QByteArray("it FAILED");
+    }
+    void what_only_counts_or_log_tell_is_told() {
+        QFETCH(QByteArray, words);
+        const host_case host;
+        host.add_recording(QTest::currentDataTag(), "1.wav");
+        const host_answer answer = host.extract(misbehaving);
+        QVERIFY2(answer.error.contains(words), answer.error.constData());
+        QTEST(answer.code, "code");
     }
 
     void a_worker_is_confined() {
