@@ -127,10 +127,7 @@ public:
     }
     void pub_find_source_file() override {
         if (profile == QLatin1String("waits_for_cancel")) {
-            std::fputs("waiting\n", stderr);
-            while (!cancelled) {
-                ::sched_yield();
-            }
+            wait_for_cancel();
         }
         real->pub_find_source_file();
     }
@@ -140,7 +137,12 @@ public:
         real->pub_extract_artifacts();
     }
     void pub_generate_chat_html_pages() override {}
-    void pub_remove_temporary_asthetics() override { real->pub_remove_temporary_asthetics(); }
+    void pub_remove_temporary_asthetics() override {
+        real->pub_remove_temporary_asthetics();
+        if (profile == QLatin1String("loses_its_log")) {
+            QFile(log).open(QIODevice::WriteOnly | QIODevice::Truncate);
+        }
+    }
 
 Q_SIGNALS:
     void signal_extracted_records_of_plugin_overall(qint64 records);
@@ -148,6 +150,9 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void rows_told(qint64 rows) {
+        if (rows > 0 && profile == QLatin1String("waits_in_a_step")) {
+            wait_for_cancel();
+        }
         Q_EMIT signal_extracted_records_of_plugin_overall(profile == QLatin1String("boasts") ? rows + 1 : rows);
     }
     void step_ended(int steps) {
@@ -175,6 +180,13 @@ private:
             reach_out(root);
         } else if (is("exits")) {
             ::_exit(0);
+        }
+    }
+
+    void wait_for_cancel() const {
+        std::fputs("waiting\n", stderr);
+        while (!cancelled) {
+            ::sched_yield();
         }
     }
 

@@ -125,6 +125,7 @@ private Q_SLOTS:
         QCOMPARE(seen.count('\x1b'), seen.count("\x1b[K"));
         // The log takes the line's place: the two would write into each other.
         const QByteArray log = shown_on_a_terminal(host, "--log-terminal"_q);
+        QCOMPARE(shown_on_a_terminal(host, "--quiet"_q), QByteArray());
         QVERIFY2(log.contains("FILE EXIST--") && !log.contains("/1 profiles"), log.constData());
     }
 };
