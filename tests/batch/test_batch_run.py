@@ -34,8 +34,8 @@ class test_one_source(batch_case):
                   self.source, self.base + "/plain")
         elsewhere = tempfile.TemporaryDirectory(dir="/var/tmp")  # where it is another file system, the result is copied
         self.addCleanup(elsewhere.cleanup)
-        for temporary in (elsewhere.name, self.temporary):
-            self.run_one("s1", "--force", env={**self.environment, "TMPDIR": temporary})
+        for limit, temporary in (("1G", elsewhere.name), ("2G", self.temporary)):
+            self.run_one("s1", "--force", "--memory-limit", limit, env={**self.environment, "TMPDIR": temporary})
             self.assertEqual(self.content(self.out + "/s1"), self.content(self.base + "/plain"))
             names = [name for _, folders, files in os.walk(self.out + "/s1") for name in folders + files]
             self.assertEqual([name for name in names if name.startswith(".")], [])

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Workers that die, hang, grow, or reach out: each costs its step and no more.
+#include "host/run/worker_limits.h"
 #include "host_case.h"
 
 #include <QJsonArray>
@@ -80,6 +81,7 @@ private Q_SLOTS:
             const QString table = loss["table"_q].toString();
             QVERIFY2(profile.endsWith("_before_"_q + table), qPrintable(profile + table));
             told.insert(profile, loss["reason"_q].toString());
+            QVERIFY(!loss["file"_q].toString().startsWith(QString::fromUtf8(host.base()))); // no evidence was open
             const QByteArray line = "not finished: profile " + profile.toUtf8() + ", " + table.toUtf8();
             QVERIFY2(answer.error.contains(line), answer.error.constData());
             QCOMPARE(rows_of(summary, profile), table == "latest_audio_search"_q ? QVariantMap() : one_recording);
@@ -99,6 +101,21 @@ private Q_SLOTS:
         QCOMPARE(log.count("half a line\n"), lost.keys().filter("dies_"_q).size());
         QCOMPARE(log.count("----- ENDS ------") + log.count("-----ENDS------"), ends);
         QVERIFY(!QFile::exists(QString::fromUtf8(host.result() + "/Artifacts_Result/Cortana/.workers")));
+    }
+
+    // However often it is looked at too late for the old step: the new one is at its beginning.
+    void each_step_has_its_own_time() {
+        worker_limits limits;
+        limits.step_seconds = 0;
+        worker_watch watch(::getpid(), {}, limits);
+        while (watch.passed_limit().isEmpty()) {
+        }
+        bool is_anew = false;
+        for (int look = 0; look < 1000 && !is_anew; ++look) {
+            watch.step_began();
+            is_anew = watch.passed_limit().isEmpty();
+        }
+        QVERIFY(is_anew);
     }
 
     void what_only_counts_or_log_tell_is_told_data() {
