@@ -28,11 +28,14 @@ class batch_case(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory(dir=MEMORY)
         self.addCleanup(folder.cleanup)
-        self.base = folder.name
+        self.set_base(folder.name)
+        os.mkdir(self.temporary)
+
+    def set_base(self, base):
+        self.base = base
         self.manifest = self.base + "/m.jsonl"
         self.out = self.base + "/out"
         self.temporary = self.base + "/tmp"
-        os.mkdir(self.temporary)
         self.environment = {**os.environ, "TMPDIR": self.temporary}
 
     def make_source(self, name, user="anna"):

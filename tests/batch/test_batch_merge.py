@@ -5,14 +5,33 @@ import json
 import os
 import shutil
 import sqlite3
+import tempfile
 import unittest
 
-from batch_case import DATABASE, LINKS, batch_case
+from batch_case import DATABASE, LINKS, MEMORY, batch_case
 
 
 class test_merge(batch_case):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.first = None  # where the first test works, and all others: manifest and records name that place
+        cls.made = tempfile.TemporaryDirectory(dir=MEMORY)
+        cls.addClassCleanup(cls.made.cleanup)
+
     def setUp(self):
         super().setUp()
+        if self.first:
+            self.set_base(self.first)
+            self.addCleanup(shutil.rmtree, self.base)
+            shutil.copytree(self.made.name, self.base, symlinks=True, dirs_exist_ok=True)
+        else:
+            type(self).first = self.base
+            self.make_results()
+            shutil.copytree(self.base, self.made.name, symlinks=True, dirs_exist_ok=True)
+        self.merged = self.base + "/merged"
+
+    def make_results(self):
         damaged = self.make_source("pc2")
         with open(damaged + "/Users/pc2/NTUSER.DAT", "r+b") as hive:
             hive.truncate(5000)
@@ -20,7 +39,6 @@ class test_merge(batch_case):
                              {"path": self.make_source("pc3", "bernd")}])
         for source, code in (("s1", 0), ("s2", 3), ("s3", 0)):
             self.run_one(source, code=code)
-        self.merged = self.base + "/merged"
 
     def query(self, statement, file=None):
         database = sqlite3.connect(file or self.merged + DATABASE)

@@ -128,7 +128,6 @@ private Q_SLOTS:
                                              {"disk.E01", created},
                                              {"part.001", created},
                                              {"source.zip", both},
-                                             {"source.tgz", both},
                                              {"source.7z", both},
                                              {"upper", created}}) {
             QTest::newRow(name) << QByteArray(name) << not_told;
