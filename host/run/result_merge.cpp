@@ -225,12 +225,8 @@ merge_outcome merge_workers(const QString& file, const QVector<worker_rows>& wor
     QSqlError error;
     transfer rows{workers, tables, clear, facts, {}, {}, -1};
     outcome.done = with_database(file, error, [&](QSqlDatabase& database) {
-        if (!attach(database, workers, error) || !database.transaction()) {
-            return false;
-        }
-        if (!rows.run(database, error)) {
-            database.rollback();
-            return false;
+        if (!attach(database, workers, error) || !database.transaction() || !rows.run(database, error)) {
+            return false; // the end of the connection takes back what was begun
         }
         const bool committed = database.commit();
         error = committed ? error : database.lastError();

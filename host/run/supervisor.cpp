@@ -217,9 +217,9 @@ void supervisor::take_end(profile& one, const worker_loss& loss) {
     --running;
     one.worker.release()->deleteLater(); // it is telling of its end
     if (one.steps_done > 0) {
-        // Of a lost step some rows may be there: it is told as lost, so they are not taken. A cancelled one keeps them.
-        one.databases.append({worker_database(one.folders.last()),
-                              is_cancelled() ? one.remaining : one.remaining.mid(0, one.steps_done)});
+        // Of a lost step some rows may be there: it is told as lost, so they are not taken. A cancelled one is told as
+        // done and keeps them.
+        one.databases.append({worker_database(one.folders.last()), one.remaining.mid(0, one.steps_done)});
     }
     one.rows_before += one.rows_kept;
     one.rows_told = one.rows_kept = 0;

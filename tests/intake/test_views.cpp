@@ -197,6 +197,22 @@ private Q_SLOTS:
         QCOMPARE(texts(opened.findings).value(0).left(finding.size()), finding);
     }
 
+    void keeps_to_the_limits_of_archives() {
+        open_options options;
+        options.limit.most_entries = 20;
+        const QString problem = "it holds more entries than can be kept (%1): unpack it and give the folder"_q;
+        QCOMPARE(open_source(files.path("a.zip"), options).problem, problem.arg(20));
+        options.limit = {};
+        options.limit.most_name_bytes = 2000;
+        QCOMPARE(open_source(files.path("a.zip"), options).problem, problem.arg(options.limit.most_entries));
+        options.limit = {};
+        options.limit.largest_entry = 10000;
+        const opened_source opened = open_source(files.path("a.zip"), options);
+        const QString unreadable = "it is larger than an entry may be (10000 bytes)"_q;
+        QCOMPARE(entry_at(*opened.view, "Users/anna/NTUSER.DAT").unreadable, unreadable);
+        QVERIFY(texts(opened.findings).contains("Users/anna/NTUSER.DAT: "_q + unreadable));
+    }
+
     void takes_the_volume_that_is_asked_for() {
         QCOMPARE(open("both", 2).volume, 2);
         QVERIFY(open("both", 2).view);
