@@ -5,6 +5,7 @@
 #include "host/intake/times.h"
 #include "tests/intake/evidence_files.h"
 #include "tests/intake/ntfs_image.h"
+#include "tests/intake/scripted_view.h"
 #include "tests/support/file_content.h"
 
 #include <QtTest>
@@ -16,50 +17,6 @@ using namespace intake;
 namespace {
 
 const QByteArray package = "AppData/Local/Packages/Microsoft.Windows.Cortana_cw5n1h2txyewy";
-
-// One folder with two files whose reading goes as the test wants it.
-class scripted_view final : public source_view {
-public:
-    scripted_view() {
-        first.name = "NTUSER.DAT";
-        first.kind = entry_kind::file;
-    }
-
-    view_entry first;
-    qint64 second_size = 5;
-    QByteArray content = "12345";
-    QString problem;                         // at the end of the first file
-    std::function<void()> meanwhile = [] {}; // after its bytes
-
-    view_listing list(const QByteArray& path) override {
-        view_entry users;
-        users.name = "Users";
-        users.kind = entry_kind::folder;
-        view_entry anna = users;
-        anna.name = "anna";
-        view_entry second;
-        second.name = "ntuser.dat.log1";
-        second.kind = entry_kind::file;
-        second.size = second_size;
-        return path.isEmpty()         ? view_listing{{users}, {}}
-               : path == "Users"      ? view_listing{{anna}, {}}
-               : path == "Users/anna" ? view_listing{{first, second}, {}}
-                                      : view_listing{};
-    }
-    void read_files(const QVector<QByteArray>& paths, file_sink& sink) override {
-        for (int i = 0; i < paths.size(); ++i) {
-            const bool is_first = paths[i].endsWith(first.name);
-            sink.begin(i);
-            sink.take(i, content.constData(), content.size());
-            if (is_first) {
-                meanwhile();
-            }
-            if (!sink.end(i, is_first ? problem : QString())) {
-                return;
-            }
-        }
-    }
-};
 
 } // namespace
 

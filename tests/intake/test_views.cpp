@@ -70,8 +70,8 @@ private Q_SLOTS:
             "cp gpt hybrid && printf '\\0\\0\\0\\0\\007\\0\\0\\0\\0\\040\\0\\0\\0\\140\\0\\0' |"
             "  dd of=hybrid bs=1 seek=462 conv=notrunc status=none",
             "hybrid");
-        row("GPT whose MBR is lost", "cp gpt no_mbr && dd if=/dev/zero of=no_mbr bs=512 count=1 conv=notrunc status=none",
-            "no_mbr");
+        row("GPT whose MBR is lost",
+            "cp gpt no_mbr && dd if=/dev/zero of=no_mbr bs=512 count=1 conv=notrunc status=none", "no_mbr");
         row("GPT whose first header is lost",
             "cp gpt no_header && dd if=/dev/zero of=no_header bs=512 seek=1 count=1 conv=notrunc status=none",
             "no_header");
