@@ -13,7 +13,7 @@ for extra in "$@"; do
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev lld shellcheck) ;;
         test)
             packages+=(chromium fish gdal-bin parallel python3-html5lib python3-jsonschema python3-openpyxl sleuthkit zsh)
-            packages+=(7zip bzip2 dosfstools e2fsprogs ewf-tools exfat-fuse exfatprogs fdisk mtools)
+            packages+=(bzip2 dosfstools e2fsprogs ewf-tools exfat-fuse exfatprogs fdisk mtools p7zip-full)
             packages+=(ntfs-3g qemu-utils xz-utils zip zstd)
             ;;
         deb) packages+=(build-essential debhelper dpkg-dev lintian) ;;
