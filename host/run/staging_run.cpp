@@ -123,14 +123,14 @@ public:
         }
         const worker_loss& loss = copying.loss();
         if (!loss.reason.isEmpty() && outcome.refused == 0) {
-            take_loss(loss.reason, waits);
+            take_loss(loss, waits);
         }
         outcome.files = staged.files();
     }
 
 private:
     void take(const worker_message& message);
-    void take_loss(const QString& reason, bool had_copied_all);
+    void take_loss(const worker_loss& loss, bool had_copied_all);
     void list_profiles();
     QVector<QByteArray> survey();
     // In place of a copy's path that of its source.
@@ -174,10 +174,10 @@ void staging::take(const worker_message& message) {
     }
 }
 
-void staging::take_loss(const QString& reason, bool had_copied_all) {
+void staging::take_loss(const worker_loss& loss, bool had_copied_all) {
     if (!staged.holds_files() || is_cancelled()) {
-        outcome.refused = exit_failures;
-        outcome.reason = QStringLiteral("its parts could not be staged: ") + reason;
+        outcome.refused = loss.began ? exit_failures : exit_internal;
+        outcome.reason = QStringLiteral("its parts could not be staged: ") + loss.reason;
         return;
     }
     staged.remove_others(QFile::encodeName(request.folder));
@@ -186,9 +186,10 @@ void staging::take_loss(const QString& reason, bool had_copied_all) {
                                      QStringLiteral("not copied: the process that copies was lost"));
     }
     outcome.findings.add_problem(
-        QString(), had_copied_all
-                       ? QStringLiteral("which files exist that web cache entries name was not found out: ") + reason
-                       : QStringLiteral("not all of it was copied, rows come from what was: ") + reason);
+        QString(),
+        had_copied_all
+            ? QStringLiteral("which files exist that web cache entries name was not found out: ") + loss.reason
+            : QStringLiteral("not all of it was copied, rows come from what was: ") + loss.reason);
 }
 
 void staging::list_profiles() {

@@ -32,6 +32,12 @@ class test_lost_staging : public QObject {
         process.waitForFinished(60000);
         return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
     }
+    // All messages come through, then the host's program is gone: it cannot start workers for the profiles.
+    void end_without_host() const {
+        shell("rm -f "_q + programs.path() + "/cortana-stage && cd "_q + programs.path() +
+              " && printf '#!/bin/sh\n" HOST_PROGRAM
+              "-stage \"$1\" $$\nrm \"${0%%-stage}\"\n' >cortana-stage && chmod +x cortana-stage"_q);
+    }
     // Below the staging folder, without folders.
     static QStringList files_in(const QString& folder) {
         QStringList files;
@@ -89,6 +95,25 @@ private Q_SLOTS:
         QCOMPARE(answer.code, 3);
         QVERIFY2(answer.error.contains("its parts could not be staged: killed by SIGKILL"), answer.error.constData());
         QVERIFY(!QFile::exists(QString::fromUtf8(result.result())));
+    }
+
+    // What the machine lacks is no finding about the evidence: another run may have it.
+    void workers_cannot_be_started_data() {
+        QTest::addColumn<bool>("copies");
+        QTest::addColumn<QString>("wanted");
+        QTest::newRow("the one that copies")
+            << false << "its parts could not be staged: the worker could not be started"_q;
+        QTest::newRow("those of the profiles") << true << "not finished: profile anna"_q;
+    }
+    void workers_cannot_be_started() {
+        QFETCH(bool, copies);
+        QFETCH(QString, wanted);
+        copies ? end_without_host() : shell("rm -f "_q + programs.path() + "/cortana-stage"_q);
+        const host_case result;
+        const host_answer answer = extract(result);
+        shell("cp "_q + QStringLiteral(HOST_PROGRAM) + " "_q + programs.path());
+        QVERIFY2(answer.error.contains(wanted.toUtf8()), answer.error.constData());
+        QCOMPARE(answer.code, 1);
     }
 
     void dies_before_names_are_looked_for() {
