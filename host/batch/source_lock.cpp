@@ -24,10 +24,11 @@ bool is_still(int handle, const QByteArray& path) {
            opened.st_dev == named.st_dev;
 }
 
-QString content_of(int handle) {
+// The first line: what follows is left of one who had a longer name.
+QString holder_in(int handle) {
     char text[256];
     const ssize_t size = ::pread(handle, text, sizeof text, 0);
-    return QString::fromUtf8(text, static_cast<int>(qMax<ssize_t>(size, 0))).trimmed();
+    return QString::fromUtf8(text, static_cast<int>(qMax<ssize_t>(size, 0))).section(QLatin1Char('\n'), 0, 0);
 }
 
 } // namespace
@@ -46,7 +47,7 @@ bool source_lock::take(const QString& file, const QString& holder, QString& reas
         if (opened < 0 || !lock_whole_file(opened)) {
             const int error = errno;
             const bool busy = opened >= 0 && is_locked_by_another(error);
-            reason = busy ? QStringLiteral("another run works on it: %1").arg(content_of(opened)) : error_words(error);
+            reason = busy ? QStringLiteral("another run works on it: %1").arg(holder_in(opened)) : error_words(error);
             if (opened >= 0) {
                 ::close(opened);
             }
@@ -55,8 +56,7 @@ bool source_lock::take(const QString& file, const QString& holder, QString& reas
         if (is_still(opened, path)) {
             handle = opened;
             const QByteArray text = holder.toUtf8() + '\n';
-            const bool written = ::ftruncate(handle, 0) == 0 &&
-                                 ::pwrite(handle, text.constData(), size_t(text.size()), 0) == text.size();
+            const bool written = ::pwrite(handle, text.constData(), size_t(text.size()), 0) == text.size();
             reason = written ? QString() : error_words(errno);
             return written;
         }
@@ -83,7 +83,7 @@ lock_state look_at_lock(const QString& file, QString& holder) {
     lock.l_type = F_WRLCK;
     lock.l_whence = SEEK_SET;
     const bool held = ::fcntl(opened, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
-    holder = content_of(opened);
+    holder = holder_in(opened);
     ::close(opened);
     return held ? lock_state::held : lock_state::left_behind;
 }

@@ -92,7 +92,7 @@ int run_check_command(const extract_options& options) {
     supervisor workers(options, root_with_slash(examined.root), QString(), groups, summary);
     workers.run();
     if (examined.is_staged) {
-        tell_as_in_source(summary, examined.staging, examined.given, root_with_slash(examined.root));
+        tell_as_in_source(summary, examined.copies->outcome(), examined.given, root_with_slash(examined.root));
     }
     summary.signal = cancel_signal();
     if (!summary.fault.isEmpty()) {

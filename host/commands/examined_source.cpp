@@ -47,8 +47,9 @@ bool open_examined(const extract_options& options, const QByteArray& source, con
         return true;
     }
     examined.has_copies = true;
-    examined.staging = stage_source(source, staging, options);
-    const staging_outcome& staged = examined.staging;
+    examined.copies = std::make_unique<staged_source>(source, staging, options);
+    examined.copies->stage();
+    const staging_outcome& staged = examined.copies->outcome();
     if (is_cancelled() && staged.refused == exit_failures) {
         code = refuse(cancel_exit_code(), QStringLiteral("cancelled"));
         return false;
@@ -126,12 +127,14 @@ QList<system_account> choose_profiles(const extract_options& options, const exam
         return options.users;
     }
     const QList<system_account> accounts =
-        source.is_staged ? staged_profiles(source.staging, findings) : health.profiles();
+        source.is_staged ? staged_profiles(source.copies->outcome(), findings) : health.profiles();
     if (!accounts.isEmpty() && options.users.isEmpty()) {
         return accounts;
     }
     health_report all = findings;
-    all.add(source.staging.findings);
+    if (source.has_copies) {
+        all.add(source.copies->outcome().findings);
+    }
     say_findings(all, options.quiet);
     code =
         all.problem_count > 0 ? exit_failures : refuse(exit_nothing_found, why_no_profiles(options, source, has_users));

@@ -187,11 +187,9 @@ void extract_into(run_summary& summary, const extract_options& options, const ex
                   const QString& library, const QList<system_account>& accounts) {
     QString reason;
     const QString root = root_with_slash(examined.root);
-    if (examined.is_staged) {
-        summary.created = creation_times_of(examined.staging.files);
-    }
     if (make_result_database(summary.output.database, reason)) {
-        supervisor workers(options, root, library, group(accounts, options.all_profiles), summary);
+        staged_source* const copies = examined.is_staged ? examined.copies.get() : nullptr;
+        supervisor workers(options, root, library, group(accounts, options.all_profiles), summary, copies);
         workers.run();
     } else {
         summary.not_examined = summary.profiles;
@@ -199,7 +197,11 @@ void extract_into(run_summary& summary, const extract_options& options, const ex
             QStringLiteral("the result database %1 cannot be used: %2").arg(summary.output.database, reason));
     }
     if (examined.is_staged) {
-        tell_as_in_source(summary, examined.staging, examined.given, root);
+        const QString trouble = examined.copies->end_questions();
+        if (!trouble.isEmpty()) {
+            summary.add_trouble(trouble);
+        }
+        tell_as_in_source(summary, examined.copies->outcome(), examined.given, root);
     }
 }
 

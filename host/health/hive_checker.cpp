@@ -88,7 +88,7 @@ void hive_checker::take_block() {
     const qint64 size = number_at<quint32>(view(gathered), 8);
     block_at = block_end;
     are_blocks_sound = gathered.startsWith("hbin") && number_at<quint32>(view(gathered), 4) == block_at - header_size &&
-                       size > block_header_size && size % header_size == 0;
+                       size % header_size == 0;
     block_end = block_at + size;
     if (are_blocks_sound) {
         want(step::cell, block_at + block_header_size, sizeof(qint32));

@@ -2,10 +2,6 @@
 // Names are taken one after the other, as the system walks a path.
 #include "host/intake/asked_names.h"
 
-#include "host/intake/view.h"
-
-#include <QList>
-
 #include <climits>
 
 namespace intake {
@@ -16,7 +12,11 @@ QVector<QByteArray> asked_paths(const QByteArray& path) {
     }
     QVector<QByteArray> asked;
     QByteArray reached;
-    for (const QByteArray& name : path.split('/')) {
+    reached.reserve(path.size());
+    for (int begin = 0, end = 0; begin <= path.size(); begin = end + 1) {
+        end = path.indexOf('/', begin);
+        end = end < 0 ? path.size() : end;
+        const QByteArray name = QByteArray::fromRawData(path.constData() + begin, end - begin);
         if (name == ".." && reached.isEmpty()) {
             return {};
         }
@@ -24,7 +24,8 @@ QVector<QByteArray> asked_paths(const QByteArray& path) {
             asked.append(reached);
             reached.truncate(qMax(0, reached.lastIndexOf('/')));
         } else if (!name.isEmpty() && name != ".") {
-            reached = joined(reached, name);
+            reached += reached.isEmpty() ? "" : "/";
+            reached += name;
         }
     }
     if (!reached.isEmpty()) {

@@ -6,6 +6,8 @@
 
 #include <QString>
 
+#include <algorithm>
+
 namespace intake {
 namespace {
 
@@ -21,7 +23,8 @@ bool is_plain_name(const QByteArray& name) {
 }
 
 QByteArray folded(const QByteArray& name) {
-    if (!is_utf8(name)) {
+    const bool is_ascii = std::none_of(name.begin(), name.end(), [](char byte) { return (byte & 0x80) != 0; });
+    if (is_ascii || !is_utf8(name)) {
         QByteArray letters = name; // QByteArray::toLower() takes the other bytes for Latin-1
         for (char& byte : letters) {
             byte = byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte | 0x20) : byte;

@@ -40,6 +40,23 @@ QByteArray spelled(const QByteArray& pattern, const QByteArray& name) {
     return fits ? begin + name.mid(star, middle) + end : QByteArray();
 }
 
+// Every place that is looked into, folded, folders with a "/" at the end.
+struct folded_places {
+    QByteArray users = folded(places::users_folder);
+    std::vector<QByteArray> file_folders; // of wanted_profile_files(), below a profile; the profile itself: empty
+    QByteArray packages = folded(packages_folder()) + '/';
+    std::vector<QByteArray> in_package;
+
+    folded_places() {
+        for (const wanted_files& wanted : wanted_profile_files()) {
+            file_folders.push_back(wanted.folder.isEmpty() ? QByteArray() : folded(wanted.folder) + '/');
+        }
+        for (const evidence_place& place : places::in_package) {
+            in_package.push_back(folded(bare(place.below)) + '/');
+        }
+    }
+};
+
 } // namespace
 
 QByteArray packages_folder() {
@@ -76,29 +93,26 @@ QByteArray package_spelling(const QByteArray& name) {
 }
 
 bool is_evidence_place(const QByteArray& path) {
+    static const folded_places known;
     const QByteArray any_case = folded(path);
-    const QByteArray users = folded(places::users_folder);
-    const int profile = any_case.startsWith(users) ? any_case.indexOf('/', users.size()) : -1;
+    const int profile = any_case.startsWith(known.users) ? any_case.indexOf('/', known.users.size()) : -1;
     const QByteArray in_profile = any_case.mid(profile + 1);
     if (profile < 0) {
         return false;
     }
-    for (const wanted_files& wanted : wanted_profile_files()) {
-        const QByteArray folder = wanted.folder.isEmpty() ? QByteArray() : folded(wanted.folder) + '/';
-        const QByteArray name = in_profile.mid(folder.size());
-        if (in_profile.startsWith(folder) && !name.contains('/') && !wanted_spelling(wanted, name).isEmpty()) {
+    for (size_t i = 0; i < known.file_folders.size(); ++i) {
+        const QByteArray& folder = known.file_folders[i];
+        const bool is_in_folder = in_profile.startsWith(folder) && in_profile.indexOf('/', folder.size()) < 0;
+        if (is_in_folder && !wanted_spelling(wanted_profile_files()[i], in_profile.mid(folder.size())).isEmpty()) {
             return true;
         }
     }
-    const QByteArray packages = folded(packages_folder()) + '/';
-    const int package = in_profile.startsWith(packages) ? in_profile.indexOf('/', packages.size()) : -1;
+    const int package = in_profile.startsWith(known.packages) ? in_profile.indexOf('/', known.packages.size()) : -1;
     const QByteArray in_package = in_profile.mid(package + 1) + '/';
-    const bool is_wanted_package =
-        package >= 0 && !package_spelling(in_profile.mid(packages.size(), package - packages.size())).isEmpty();
-    return is_wanted_package &&
-           std::any_of(std::begin(places::in_package), std::end(places::in_package), [&](const evidence_place& place) {
-               return in_package.startsWith(folded(bare(place.below)) + '/');
-           });
+    return package >= 0 &&
+           std::any_of(known.in_package.begin(), known.in_package.end(),
+                       [&](const QByteArray& folder) { return in_package.startsWith(folder); }) &&
+           !package_spelling(in_profile.mid(known.packages.size(), package - known.packages.size())).isEmpty();
 }
 
 QByteArray spelling_in_package(const QByteArray& path) {

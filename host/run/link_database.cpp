@@ -49,7 +49,8 @@ struct trigger_row {
 class profile_links {
 public:
     profile_links(QSqlDatabase& opened, const linked_rows& of_profile, bool with_worker)
-        : database(opened), rows(of_profile), has_worker(with_worker) {}
+        : database(opened), rows(of_profile), has_worker(with_worker), triggers(opened), reminders(opened),
+          links(opened) {}
 
     bool write() {
         const QStringList tables = reminder_tables(rows.tables);
@@ -68,6 +69,14 @@ private:
     bool fails(const QSqlQuery& query) {
         error = query.lastError();
         return false;
+    }
+
+    // Each row asks the same: nothing is prepared twice.
+    static QSqlQuery& prepared(QSqlQuery& query, const QString& statement) {
+        if (query.lastQuery() != statement) {
+            query.prepare(statement);
+        }
+        return query;
     }
 
     bool open_rows(QSqlQuery& query, const QString& table) const {
@@ -114,14 +123,12 @@ private:
     }
 
     // The trigger by its values: sure only when all that have them lead to one reminder.
-    trigger_row trigger_with(const QString& table, const QString& digest) const {
+    trigger_row trigger_with(const QString& table, const QString& digest) {
         if (!has_worker) {
             return {{}, QStringLiteral("the ids of the evidence were not read")};
         }
-        QSqlQuery query(database);
-        query.prepare(
-            QStringLiteral("select distinct reminder,why from worker.triggers where table_name=? and digest=? "
-                           "limit 2"));
+        QSqlQuery& query = prepared(triggers, QStringLiteral("select distinct reminder,why from worker.triggers where "
+                                                             "table_name=? and digest=? limit 2"));
         query.addBindValue(table);
         query.addBindValue(digest);
         if (!query.exec() || !query.next()) {
@@ -156,19 +163,23 @@ private:
         return !row.lastError().isValid() || fails(row);
     }
 
+    bool find_reminder(const QVariant& number) {
+        QSqlQuery& query =
+            prepared(reminders, QStringLiteral("select %1 from worker.reminders where id=?").arg(content_columns));
+        query.addBindValue(number);
+        return query.exec() && query.next();
+    }
+
     bool write_link(const QString& table, const QSqlQuery& row, const trigger_row& trigger) {
         const reminder_content shown = content_at(row, 1);
         shown_contents.insert(digest_of(shown.values()));
-        QSqlQuery linked(database);
-        linked.prepare(QStringLiteral("select %1 from worker.reminders where id=?").arg(content_columns));
-        linked.addBindValue(trigger.reminder);
-        const bool is_linked = !trigger.reminder.isNull() && linked.exec() && linked.next();
-        const reminder_content content = is_linked ? content_at(linked, 0) : reminder_content();
+        const bool is_linked = !trigger.reminder.isNull() && find_reminder(trigger.reminder);
+        const reminder_content content = is_linked ? content_at(reminders, 0) : reminder_content();
         const bool same = is_linked && content.values() == shown.values();
         ++(!is_linked ? counts.undecided : same ? counts.confirmed : counts.contradicted);
 
-        QSqlQuery query(database);
-        query.prepare(QStringLiteral("insert into main.reminder_links values(?,?,?,?,?,?,?,?,?,?)"));
+        QSqlQuery& query =
+            prepared(links, QStringLiteral("insert into main.reminder_links values(?,?,?,?,?,?,?,?,?,?)"));
         query.addBindValue(table);
         query.addBindValue(row.value(0));
         query.addBindValue(!is_linked ? QStringLiteral("undecided")
@@ -176,7 +187,7 @@ private:
                                       : QStringLiteral("contradicted"));
         query.addBindValue(is_linked ? QVariant(QVariant::String) : QVariant(trigger.why));
         for (int column = 0; column < 6; ++column) {
-            query.addBindValue(is_linked ? linked.value(column) : QVariant());
+            query.addBindValue(is_linked ? reminders.value(column) : QVariant());
         }
         return query.exec() || fails(query);
     }
@@ -210,6 +221,7 @@ private:
     QSqlDatabase& database;
     const linked_rows& rows;
     bool has_worker;
+    QSqlQuery triggers, reminders, links; // of one row
     QSet<QByteArray> shown_contents;
 };
 

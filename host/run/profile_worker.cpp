@@ -76,7 +76,7 @@ private:
     const message_sender& send;
 };
 
-int work(const worker_request& request, const message_sender& send, const answer_reader& /*waits for nothing*/) {
+int work(const worker_request& request, const message_sender& send, const question_reader& /*waits for nothing*/) {
     if (request.survey) {
         survey_staged(request, send);
     }

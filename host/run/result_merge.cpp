@@ -4,6 +4,7 @@
 #include "host/run/result_merge.h"
 
 #include "common/named_connection.h"
+#include "host/run/named_files.h"
 #include "result_db/schema.h"
 #include "source/native_names.h"
 
@@ -151,7 +152,7 @@ struct transfer {
     const QVector<worker_rows>& workers;
     const QStringList& tables;
     bool clear;
-    const std::optional<creation_times>& created;
+    const std::optional<source_facts>& facts;
     added_rows taken;
     QMap<QString, qint64> keys_before;
     int current_worker = -1; // whose rows are being taken
@@ -169,11 +170,14 @@ struct transfer {
             keys_before.insert(table, query.value(0).toLongLong());
         }
         for (current_worker = 0; current_worker < workers.size(); ++current_worker) {
-            if (created && !put_creation_times(database, schema_name(current_worker), *created, error)) {
+            const QString schema = schema_name(current_worker);
+            if (facts && !put_creation_times(database, schema, facts->created, error)) {
                 return false;
             }
             for (const QString& table : workers[current_worker].tables) {
-                if (!take_table(database, schema_name(current_worker), table, taken, error)) {
+                const bool looks_again = facts && !facts->root.isEmpty();
+                if ((looks_again && !put_file_exists(database, schema, table, facts->root, error)) ||
+                    !take_table(database, schema, table, taken, error)) {
                     return false;
                 }
             }
@@ -216,17 +220,13 @@ bool put_in_place(const QString& copy, const QString& database, QString& error) 
 }
 
 merge_outcome merge_workers(const QString& file, const QVector<worker_rows>& workers, const QStringList& tables,
-                            bool clear, added_rows& counts, const std::optional<creation_times>& created) {
+                            bool clear, added_rows& counts, const std::optional<source_facts>& facts) {
     merge_outcome outcome;
     QSqlError error;
-    transfer rows{workers, tables, clear, created, {}, {}, -1};
+    transfer rows{workers, tables, clear, facts, {}, {}, -1};
     outcome.done = with_database(file, error, [&](QSqlDatabase& database) {
-        if (!attach(database, workers, error) || !database.transaction()) {
-            return false;
-        }
-        if (!rows.run(database, error)) {
-            database.rollback();
-            return false;
+        if (!attach(database, workers, error) || !database.transaction() || !rows.run(database, error)) {
+            return false; // the end of the connection takes back what was begun
         }
         const bool committed = database.commit();
         error = committed ? error : database.lastError();

@@ -15,6 +15,12 @@ using added_rows = QMap<QString, QMap<QString, qint64>>; // table -> system_user
 // Of staged recordings, by the file_path of their rows: Unix seconds. The file system does not let a copy have them.
 using creation_times = QHash<QString, qint64>;
 
+// What rows that were written from copies cannot know of the source.
+struct source_facts {
+    creation_times created; // of recordings
+    QString root; // of the copies, ending in "/"; empty: no file that rows name was found since they were written
+};
+
 // What came of one profile's rows.
 struct merge_outcome {
     bool done = false;
@@ -42,7 +48,7 @@ struct worker_rows {
 
 // Adds the rows of the workers' databases, in the given order and by their keys, in one transaction; keys follow the
 // highest one of each table, as if one process had written them all. clear: tables are emptied first, in the same
-// transaction. Adds to counts only what was committed. created: the rows come from copies, and their creation times
-// from here, 0 where none stands here.
+// transaction. Adds to counts only what was committed. facts: the rows come from copies; creation times come from here,
+// 0 where none stands here, and files that rows name are looked for again.
 merge_outcome merge_workers(const QString& file, const QVector<worker_rows>& workers, const QStringList& tables,
-                            bool clear, added_rows& counts, const std::optional<creation_times>& created = {});
+                            bool clear, added_rows& counts, const std::optional<source_facts>& facts = {});

@@ -174,18 +174,25 @@ bool stage_parts(const worker_request& request, opened_source& opened, const QVe
     return result.stopped.isEmpty();
 }
 
-void stage_names(const worker_request& request, opened_source& opened, const QVector<QByteArray>& paths,
+// Deliberate: a cancel ends no question. Rows that were written before it stay, and must not tell of a file that it
+// does not exist when nobody has looked.
+void stage_names(const worker_request& request, opened_source& opened, const question_reader& next_question,
                  const staging_limit& limit, const message_sender& send) {
-    const std::function<bool()> cancelled = is_cancelled;
-    const staging_result result =
-        stage_existing(*opened.view, opened.root, paths, QFile::encodeName(request.folder), limit, cancelled);
-    for (const staged_entry& entry : result.entries) {
-        send_staged(entry, send);
+    worker_message waiting;
+    waiting.what = worker_message::waiting;
+    send(waiting);
+    while (const std::optional<QVector<QByteArray>> paths = next_question()) {
+        const staging_result result = stage_existing(*opened.view, opened.root, *paths,
+                                                     QFile::encodeName(request.folder), limit, [] { return false; });
+        for (const staged_entry& entry : result.entries) {
+            send_staged(entry, send);
+        }
+        send_findings(result.findings, send);
+        send(waiting);
     }
-    send_findings(result.findings, send);
 }
 
-void stage_opened(const worker_request& request, opened_source& opened, const answer_reader& answer,
+void stage_opened(const worker_request& request, opened_source& opened, const question_reader& next_question,
                   const message_sender& send) {
     health_report findings = opened.findings;
     const QVector<QByteArray> profiles = profiles_of(request, opened, findings);
@@ -201,16 +208,14 @@ void stage_opened(const worker_request& request, opened_source& opened, const an
         limit.most_bytes = request.staging.archive_limit;
     }
     if (stage_parts(request, opened, profiles, limit, send)) {
-        next.what = worker_message::waiting;
-        send(next);
-        stage_names(request, opened, answer(), limit, send);
+        stage_names(request, opened, next_question, limit, send);
     }
 }
 
-int stage_source_of(const worker_request& request, const message_sender& send, const answer_reader& answer) {
+int stage_source_of(const worker_request& request, const message_sender& send, const question_reader& next_question) {
     opened_source opened = open_source(QFile::encodeName(request.source_root), options_of(request.staging));
     if (opened.view) {
-        stage_opened(request, opened, answer, send);
+        stage_opened(request, opened, next_question, send);
         return exit_complete;
     }
     worker_message refused;

@@ -31,9 +31,8 @@ struct run_summary {
     QStringList profiles;     // chosen ones
     QStringList not_examined; // of these, those that a cancel left out
     added_rows rows;
-    link_counts links;                     // of the reminder rows added
-    std::optional<creation_times> created; // the source was staged: of its recordings
-    QString staged_copies;                 // the folder, where they are left; else empty
+    link_counts links;     // of the reminder rows added
+    QString staged_copies; // the folder, where they are left; else empty
     qint64 milliseconds = 0;
     health_report health;
     QVector<evidence_record> evidence; // in the profiles' order

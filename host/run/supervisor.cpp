@@ -4,6 +4,7 @@
 #include "host/run/supervisor.h"
 
 #include "host/run/cancellation.h"
+#include "host/run/staged_names.h"
 #include "host/run/supervisor_profile.h"
 #include "host/run/worker_links.h"
 #include "source/places.h"
@@ -35,8 +36,8 @@ QString place_of(const QString& table) {
 } // namespace
 
 supervisor::supervisor(const extract_options& asked, const QString& source_root, const QString& library_file,
-                       const QList<QList<system_account>>& groups, run_summary& result)
-    : options(asked), root(source_root), library(library_file), summary(result),
+                       const QList<QList<system_account>>& groups, run_summary& result, staged_source* copies)
+    : options(asked), root(source_root), library(library_file), summary(result), staged(copies),
       progress(asked.progress, groups.size()), merge_target(result.output.database) {
     for (const QList<system_account>& accounts : groups) {
         auto one = std::make_unique<profile>();
@@ -46,6 +47,9 @@ supervisor::supervisor(const extract_options& asked, const QString& source_root,
         one->remaining = only_checks() ? QStringList() : options.tables;
         one->linked = reminder_tables(one->remaining).isEmpty();
         profiles.push_back(std::move(one));
+    }
+    if (staged != nullptr) {
+        facts = source_facts{creation_times_of(staged->outcome().files), QString()};
     }
     connect(&clock, &QTimer::timeout, this, &supervisor::look_round);
 }
@@ -63,10 +67,15 @@ void supervisor::run() {
     if (running > 0) {
         loop.exec();
     }
-    clock.stop();
     for (const auto& one : profiles) { // a cancel may have kept a lost worker from having a follower
-        one->state = one->state == profile::waiting && !one->folders.isEmpty() ? profile::finished : one->state;
+        if (one->state == profile::waiting && !one->folders.isEmpty()) {
+            take_rows_of(*one);
+        }
     }
+    if (is_looking) {
+        loop.exec();
+    }
+    clock.stop();
     merge_finished();
     for (const auto& one : profiles) {
         summary.health.add(one->health);
@@ -100,7 +109,7 @@ void supervisor::start_more() {
             start_worker(*one);
         }
     }
-    if (running == 0) {
+    if (running == 0 && !is_looking) {
         loop.quit();
     }
 }
@@ -186,7 +195,6 @@ void supervisor::take_message(profile& one, const worker_message& message) {
         break;
     case worker_message::planned: // of no worker of a profile
     case worker_message::staged:
-    case worker_message::asked:
     case worker_message::waiting:
     case worker_message::as_given:
     case worker_message::refused:
@@ -209,9 +217,9 @@ void supervisor::take_end(profile& one, const worker_loss& loss) {
     --running;
     one.worker.release()->deleteLater(); // it is telling of its end
     if (one.steps_done > 0) {
-        // Of a lost step some rows may be there: it is told as lost, so they are not taken. A cancelled one keeps them.
-        one.databases.append({worker_database(one.folders.last()),
-                              is_cancelled() ? one.remaining : one.remaining.mid(0, one.steps_done)});
+        // Of a lost step some rows may be there: it is told as lost, so they are not taken. A cancelled one is told as
+        // done and keeps them.
+        one.databases.append({worker_database(one.folders.last()), one.remaining.mid(0, one.steps_done)});
     }
     one.rows_before += one.rows_kept;
     one.rows_told = one.rows_kept = 0;
@@ -223,14 +231,15 @@ void supervisor::take_end(profile& one, const worker_loss& loss) {
     if (lost) {
         take_loss(one, loss);
     }
-    one.state = lost && !(one.remaining.isEmpty() && one.linked) ? profile::waiting : profile::finished;
-    if (one.state == profile::waiting && may_start()) {
-        start_worker(one);
+    if (!lost || (one.remaining.isEmpty() && one.linked)) {
+        take_rows_of(one);
+    } else {
+        one.state = profile::waiting;
+        if (may_start()) {
+            start_worker(one);
+        }
     }
     tell_progress(one);
-    if (!options.clear) {
-        merge_finished();
-    }
     start_more();
 }
 

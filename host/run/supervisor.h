@@ -6,6 +6,7 @@
 #include "host/run/extract_options.h"
 #include "host/run/progress.h"
 #include "host/run/result_merge.h"
+#include "host/run/staging_run.h"
 #include "host/run/summary.h"
 #include "host/run/worker_process.h"
 
@@ -21,9 +22,10 @@ class supervisor : public QObject {
 
 public:
     // groups: the accounts of each run of the plugin, in order. source_root ends in "/". library: absolute. When result
-    // names no output folder, the evidence is looked over and no more. All but groups outlive this object.
+    // names no output folder, the evidence is looked over and no more. copies: what stands below source_root was staged
+    // by it; null: the source is read as it is. All but groups outlive this object.
     supervisor(const extract_options& asked, const QString& source_root, const QString& library,
-               const QList<QList<system_account>>& groups, run_summary& result);
+               const QList<QList<system_account>>& groups, run_summary& result, staged_source* copies = nullptr);
     ~supervisor() override;
 
     // Returns when the last worker is gone and all that can be taken is taken. Needs the application object.
@@ -44,6 +46,9 @@ private:
     void take_end(profile& one, const worker_loss& loss);
     void take_loss(profile& one, const worker_loss& loss);
     void take_findings(profile& one);
+    void take_rows_of(profile& one);
+    void look_for_named_files();
+    bool look_for_files_of(profile& one);
     void merge_finished();
     void merge_in_order();
     bool put_cleared_in_place(const QString& links, QString& error) const;
@@ -58,12 +63,15 @@ private:
     QString root;
     QString library;
     run_summary& summary;
+    staged_source* staged;
+    std::optional<source_facts> facts; // of a staged source
     std::vector<std::unique_ptr<profile>> profiles;
     run_progress progress;
     QString merge_target; // the database that rows go into
     QEventLoop loop;
     QTimer clock;
     int running = 0;
+    bool is_looking = false; // for files that rows of a profile name
     bool cancel_passed_on = false;
     bool has_cleared = false;
 };

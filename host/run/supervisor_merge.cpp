@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What finished profiles wrote is taken into the result database, the links and the debug log, in the profiles' order.
 #include "host/record/links_file.h"
+#include "host/run/named_files.h"
 #include "host/run/result_merge.h"
 #include "host/run/supervisor_profile.h"
 #include "host/run/worker_links.h"
@@ -35,6 +36,45 @@ bool append_log(const QString& from, const QString& to) {
 }
 
 } // namespace
+
+// No worker will write rows of it any more.
+void supervisor::take_rows_of(profile& one) {
+    one.state = staged != nullptr ? profile::naming : profile::finished;
+    look_for_named_files();
+    if (!options.clear) {
+        merge_finished();
+    }
+}
+
+// Of one profile after the other, beside the workers of those that come behind it.
+void supervisor::look_for_named_files() {
+    for (const auto& one : profiles) {
+        if (!is_looking && one->state == profile::naming) {
+            is_looking = look_for_files_of(*one);
+            one->state = is_looking ? profile::naming : profile::finished;
+        }
+    }
+}
+
+// False: there is nothing to wait for.
+bool supervisor::look_for_files_of(profile& one) {
+    const named_files named = files_named_by(one.databases);
+    if (!named.are_all) {
+        summary.health.add_problem(root, QStringLiteral("web cache entries of %1 name very many files: not all of them "
+                                                        "were looked for outside of the package folder")
+                                             .arg(one.label));
+    }
+    return staged->make_named(named.paths, [this, &one] {
+        is_looking = false;
+        one.state = profile::finished;
+        tell_progress(one);
+        look_for_named_files();
+        if (!options.clear) {
+            merge_finished();
+        }
+        start_more();
+    });
+}
 
 void supervisor::merge_finished() {
     if (!only_checks() && options.clear) {
@@ -135,8 +175,10 @@ void supervisor::add_links_of(const profile& one, const merge_outcome& outcome) 
 
 // A worker that was lost may have left a database that SQLite cannot read: its steps are lost then, no others'.
 merge_outcome supervisor::merge_all_that_can_be_read(profile& one, bool clear) {
-    merge_outcome outcome =
-        merge_workers(merge_target, one.databases, options.tables, clear, summary.rows, summary.created);
+    if (facts && staged->holds_named()) {
+        facts->root = root;
+    }
+    merge_outcome outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows, facts);
     while (!outcome.done && !outcome.damaged_worker.isEmpty()) {
         summary.losses.append({one.label, QString(), outcome.damaged_worker,
                                QStringLiteral("the worker's database is damaged: ") + outcome.damage});
@@ -144,7 +186,7 @@ merge_outcome supervisor::merge_all_that_can_be_read(profile& one, bool clear) {
         one.databases.erase(std::remove_if(one.databases.begin(), one.databases.end(), is_damaged),
                             one.databases.end());
         one.rows_before = 0; // they are told as lost
-        outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows, summary.created);
+        outcome = merge_workers(merge_target, one.databases, options.tables, clear, summary.rows, facts);
     }
     return outcome;
 }

@@ -5,7 +5,8 @@
 #include "host/run/supervisor.h"
 
 struct supervisor::profile {
-    enum { waiting, working, finished, merged } state = waiting;
+    // naming: its rows are written, and the files that they name are looked for.
+    enum { waiting, working, naming, finished, merged } state = waiting;
     int place = 0; // in the run
     QList<system_account> accounts;
     QString label;

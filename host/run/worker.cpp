@@ -33,15 +33,17 @@ QByteArray line_from(int descriptor) {
     return line;
 }
 
-QByteArray rest_of(int descriptor) {
-    QByteArray all;
-    char part[65536];
-    for (ssize_t got = 0; (got = ::read(descriptor, part, sizeof part)) != 0;) {
-        if (got < 0 && errno != EINTR) {
+// Fewer when the pipe ends before.
+QByteArray bytes_from(int descriptor, int count) {
+    QByteArray all(std::max(count, 0), '\0');
+    int done = 0;
+    for (ssize_t got = 0; done < all.size(); done += static_cast<int>(std::max<ssize_t>(got, 0))) {
+        got = ::read(descriptor, all.data() + done, static_cast<size_t>(all.size() - done));
+        if (got == 0 || (got < 0 && errno != EINTR)) {
             break;
         }
-        all.append(part, static_cast<int>(std::max<ssize_t>(got, 0)));
     }
+    all.truncate(done);
     return all;
 }
 
@@ -67,7 +69,11 @@ public:
         }
     }
 
-    QVector<QByteArray> answer() const { return paths_from(rest_of(input)); }
+    std::optional<QVector<QByteArray>> next_question() const {
+        const QByteArray length = line_from(input);
+        return length.endsWith('\n') ? std::optional(paths_from(bytes_from(input, length.trimmed().toInt())))
+                                     : std::nullopt;
+    }
 
 private:
     int input;
@@ -120,7 +126,8 @@ int run_worker(int argc, char** argv, const worker_task& task) {
     take_qt_messages(false);
     take_cancel_signals();
     const int code = task.work(
-        request, [&pipe](const worker_message& message) { pipe.send(message); }, [&pipe] { return pipe.answer(); });
+        request, [&pipe](const worker_message& message) { pipe.send(message); },
+        [&pipe] { return pipe.next_question(); });
     if (code == exit_complete) {
         worker_message ended;
         ended.what = worker_message::ended;

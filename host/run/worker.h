@@ -7,19 +7,21 @@
 #include "host/run/worker_protocol.h"
 
 #include <functional>
+#include <optional>
 
 // The word that makes a program a worker; the supervisor's process number follows it.
 inline constexpr const char* worker_word = "worker-process";
 
-using answer_reader = std::function<QVector<QByteArray>()>;
+// Waits for the next question, the paths that the worker is asked for. None: nothing will be asked any more.
+using question_reader = std::function<std::optional<QVector<QByteArray>>()>;
 
 // One kind of work.
 struct worker_task {
     // Adds what the process may read and list beside the system's own; called before it is confined.
     void (*allow)(const worker_request& request, sandbox_plan& plan);
     // Called confined. Sends all messages but the last; returns the process's exit code, exit_complete when it came to
-    // its end or was cancelled, else after it sent failure_message(). answer: the paths that a worker waits for, once.
-    int (*work)(const worker_request& request, const message_sender& send, const answer_reader& answer);
+    // its end or was cancelled, else after it sent failure_message().
+    int (*work)(const worker_request& request, const message_sender& send, const question_reader& next_question);
 };
 
 worker_message failure_message(const QString& text);

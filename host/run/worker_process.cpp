@@ -64,11 +64,6 @@ void worker_process::begin() {
     }
 }
 
-void worker_process::answer(const QByteArray& bytes) {
-    write(bytes);
-    closeWriteChannel();
-}
-
 void worker_process::setupChildProcess() {
     ::setpgid(0, 0);
     hold_cancel_signals(); // a cancel that comes before the worker can take it waits for it

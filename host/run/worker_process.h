@@ -26,8 +26,10 @@ public:
     ~worker_process() override;
 
     void begin();
-    // What a worker that waits is to read, all of it.
-    void answer(const QByteArray& bytes);
+    // Of a worker that waits.
+    void ask(const QVector<QByteArray>& paths) { write(question_of(paths)); }
+    // Nothing will be asked any more: it ends.
+    void end_questions() { closeWriteChannel(); }
     // Passes a cancel on; the worker commits what it has and ends.
     void cancel(int signal);
     // Ends the process when it has passed a limit.

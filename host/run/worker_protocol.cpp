@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr const char* kind_names[] = {"unknown",   "confined", "evidence", "looked_over", "checked", "planned",
-                                      "staged",    "asked",    "waiting",  "as_given",    "refused", "rows",
-                                      "step_done", "linked",   "failed",   "ended"};
+constexpr const char* kind_names[] = {"unknown", "confined",  "evidence", "looked_over", "checked",
+                                      "planned", "staged",    "waiting",  "as_given",    "refused",
+                                      "rows",    "step_done", "linked",   "failed",      "ended"};
 
 QString key(const char* name) {
     return QLatin1String(name);
@@ -187,12 +187,12 @@ QByteArray to_bytes(const worker_request& request) {
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
-QByteArray paths_to_bytes(const QVector<QByteArray>& paths) {
+QByteArray question_of(const QVector<QByteArray>& paths) {
     QByteArray bytes;
     for (const QByteArray& path : paths) {
         bytes += path + '\0';
     }
-    return bytes;
+    return QByteArray::number(bytes.size()) + '\n' + bytes;
 }
 
 QVector<QByteArray> paths_from(const QByteArray& bytes) {
@@ -256,7 +256,6 @@ QByteArray to_line(const worker_message& message) {
         object.insert(key("file"), to_json(message.file));
         break;
     case worker_message::planned:
-    case worker_message::asked:
         object.insert(key("paths"), to_json(message.paths));
         break;
     case worker_message::refused:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What supervisor and worker tell each other: one JSON document as the first line of the worker's standard input, then
-// a line a message on the worker's standard output. A worker that waits reads on: what it asked for, to the end. A
-// worker has read evidence, so nothing that it says is believed without a look.
+// a line a message on the worker's standard output. A worker that waits reads on: one question after the other, until
+// there is none. A worker has read evidence, so nothing that it says is believed without a look.
 #pragma once
 
 #include "contract/host_records.h"
@@ -18,8 +18,8 @@
 #include <functional>
 
 // The source as it was given is opened, and what is wanted of it is copied into the worker's folder; such a worker does
-// nothing else, and the accounts are those that were asked for, none for every profile. Then it waits for the paths of
-// files that evidence names elsewhere (see paths_to_bytes), and makes empty files of those that exist.
+// nothing else, and the accounts are those that were asked for, none for every profile. Then it waits to be asked for
+// files that evidence names elsewhere (see question_of), makes empty ones of those that exist, and waits again.
 struct staging_request {
     bool wanted = false;
     QString type; // "folder", "image", "archive"; empty: told by content
@@ -41,7 +41,7 @@ struct worker_request {
     bool check = false; // look over the evidence that the checked tables come from, before any step
     QStringList checked_tables;
     QStringList tables;  // to fill, in the plugin's order; empty: none
-    bool survey = false; // tell what the checked tables' rows ask of a staged source (see survey_worker.h)
+    bool survey = false; // tell which searches of the staged hives are in their logs only (see survey_worker.h)
     bool link = false;   // then tell what reminders belong to, in worker_links()
     QString folder;      // the worker's own, the only place where it may write; empty: nothing is written
     QString library;
@@ -56,8 +56,9 @@ struct worker_request {
 QByteArray to_bytes(const worker_request& request); // one line
 worker_request request_from(const QByteArray& bytes);
 
-// Paths as a waiting worker takes them.
-QByteArray paths_to_bytes(const QVector<QByteArray>& paths);
+// What a waiting worker is asked: a line with the number of bytes that follow it, then each path and a zero byte.
+QByteArray question_of(const QVector<QByteArray>& paths);
+// From the bytes behind the line.
 QVector<QByteArray> paths_from(const QByteArray& bytes);
 
 // Where a worker's results lie in its folder.
@@ -75,8 +76,7 @@ struct worker_message {
         checked,     // health: all of it
         planned,     // paths: of the source, to be copied
         staged,      // file: one that stands in the staging folder now, or is another than was told of
-        asked,       // paths: below the Windows root, which rows name
-        waiting,     // it reads what it waits for
+        waiting,     // it did what it was asked and reads the next question
         as_given,    // the source can be read as it stands, nothing was staged
         refused,     // text: why the source cannot be opened; number: an exit code
         rows,        // number: rows so far

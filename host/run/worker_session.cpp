@@ -4,6 +4,8 @@
 
 #include "host/run/cancellation.h"
 
+#include <utility>
+
 worker_session::worker_session(const worker_request& request, const extract_options& options,
                                const std::function<void(const worker_message& message)>& take)
     : worker(request, options.limits) {
@@ -11,15 +13,13 @@ worker_session::worker_session(const worker_request& request, const extract_opti
         take(message);
         if (message.what == worker_message::waiting) {
             waits = true;
-            loop.quit();
+            settle();
         }
     });
     QObject::connect(&worker, &worker_process::worker_gone, &loop, [this](const worker_loss& loss) {
         lost = loss;
         is_gone = true;
-        clock.stop();
-        loop.quit();
-        tell_end();
+        settle();
     });
     QObject::connect(&clock, &QTimer::timeout, &loop, [this] { look_round(); });
 }
@@ -29,27 +29,40 @@ void worker_session::start_clock() {
     clock.start(look_round_ms);
 }
 
+void worker_session::settle() {
+    clock.stop();
+    loop.quit();
+    const std::function<void()> told = std::exchange(settled, [] {});
+    told();
+}
+
 void worker_session::start(const std::function<void()>& gone) {
-    tell_end = gone;
-    has_begun = true;
+    settled = gone;
     start_clock();
     worker.begin();
 }
 
 bool worker_session::run() {
+    start_clock();
+    QTimer::singleShot(0, &loop, [this] { worker.begin(); });
+    loop.exec();
+    return is_waiting();
+}
+
+void worker_session::ask(const QVector<QByteArray>& paths, const std::function<void()>& then) {
+    waits = false;
+    settled = then;
+    start_clock();
+    worker.step_began();
+    worker.ask(paths);
+}
+
+void worker_session::end() {
     waits = false;
     start_clock();
-    if (!has_begun) {
-        has_begun = true;
-        QTimer::singleShot(0, &loop, [this] { worker.begin(); });
-    } else if (!is_gone) {
-        worker.step_began();
-    }
-    if (!is_gone) {
-        loop.exec();
-    }
-    clock.stop();
-    return waits && !is_gone;
+    worker.step_began();
+    worker.end_questions();
+    loop.exec();
 }
 
 void worker_session::look_round() {

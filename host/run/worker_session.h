@@ -16,11 +16,16 @@ public:
     worker_session(const worker_request& request, const extract_options& options,
                    const std::function<void(const worker_message& message)>& take);
 
-    // Starts it, or lets it go on after an answer. True: it waits for one; false: it is gone.
+    // Starts it. True: it waits to be asked; false: it is gone.
     bool run();
     // Starts it and returns; gone is called at its end, from the event loop of the caller.
     void start(const std::function<void()>& gone);
-    void answer(const QByteArray& bytes) { worker.answer(bytes); }
+    // Of one that waits; settled is called when it waits again or is gone, from the event loop of the caller.
+    void ask(const QVector<QByteArray>& paths, const std::function<void()>& settled);
+    // Has one that waits end, and returns when it is gone.
+    void end();
+    // True: it can be asked.
+    bool is_waiting() const { return waits && !is_gone; }
     // A step of it begins: limits of time count from now.
     void step_began() { worker.step_began(); }
     const worker_loss& loss() const { return lost; }
@@ -28,13 +33,13 @@ public:
 private:
     void look_round();
     void start_clock();
+    void settle();
 
     worker_process worker;
     QEventLoop loop;
     QTimer clock;
     worker_loss lost;
-    std::function<void()> tell_end = [] {};
-    bool has_begun = false;
+    std::function<void()> settled = [] {};
     bool waits = false;
     bool is_gone = false;
     bool cancel_passed_on = false;

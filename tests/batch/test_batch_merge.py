@@ -127,6 +127,11 @@ class test_merge(batch_case):
         before = self.query("select count(*) from searches")
         self.merge(code=3)  # the same place
         self.assertEqual(self.query("select count(*) from searches"), before)
+        os.rename(self.merged, self.base + "/.merged.old")  # as a run leaves it that dies between two names
+        shutil.move(self.out + "/s3", self.base + "/s3")
+        self.merge(code=3)
+        self.assertEqual(self.query("select count(*) from searches"), before)
+        shutil.move(self.base + "/s3", self.out + "/s3")
         precious = self.base + "/precious"
         shutil.copytree(self.out + "/s1", precious)
         for place, code, told in [(precious, 2, "is no merged result"), (self.out + "/s1", 2, "is no merged result"),

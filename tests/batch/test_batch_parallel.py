@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""Sixty sources done by two workers of GNU parallel, some of them killed and done again: one result, as by one program
-after the other."""
+"""Sources done by two workers of GNU parallel, some of them killed and done again: one result, as by one program
+after the other. Sixteen of them; CORTANA_SOURCES in the environment asks for more."""
 import os
 import stat
 import subprocess
@@ -8,7 +8,7 @@ import unittest
 
 from batch_case import DATABASE, HOST, LINKS, TABLES, TOP, batch_case
 
-SOURCES = 60
+SOURCES = int(os.environ.get("CORTANA_SOURCES", "16"))
 PROGRAM = """#!/bin/sh
 # cortana batch run --manifest M --index N ...
 if [ -e "$MARKS/$6" ]; then exec python3 -S "$KILLER" "$MARKS/$6" "$HOST_PROGRAM" "$@"; fi
@@ -44,15 +44,15 @@ class test_parallel(batch_case):
             file.write(PROGRAM)
         os.chmod(self.base + "/bin/cortana", stat.S_IRWXU)
         sources = [{"path": self.make_source("pc%d" % number, "anna" if number % 3 else "bernd"),
-                    "tables": TABLES if number % 12 == 0 else ["searches"]} for number in range(SOURCES)]
+                    "tables": TABLES if number % 5 == 0 else ["searches"]} for number in range(SOURCES)]
         self.write_manifest(sources)
-        self.mark((2, 17, 18, 33, 60), self.out + "/.s{}.partial.lock")
-        self.mark((5, 21, 40), self.out + "/.s{}.partial")
+        self.mark((2, 7, 8), self.out + "/.s{}.partial.lock")
+        self.mark((5, 16), self.out + "/.s{}.partial")
         with self.serial(sources) as serial:
             first = self.parallel()
             self.assertNotEqual(first.returncode, 0)
             killed = [each["id"] for each in self.status(3)["failing"] if each["retryable"]]
-            self.assertGreaterEqual(len(killed), 3, first.stdout + first.stderr)
+            self.assertGreaterEqual(len(killed), 2, first.stdout + first.stderr)
             refused = self.merge(code=3)
             self.assertIn("failed: " + killed[0], refused.stderr)
             self.assertFalse(os.path.exists(self.base + "/merged"))

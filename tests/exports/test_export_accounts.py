@@ -9,12 +9,12 @@ import zipfile
 
 from export_case import FORMATS, HOST, TABLES, export_case
 
-ROWS = 100000
+ROWS = 20000
 
 
 class accounts(export_case):
     def fill(self):
-        """100,000 rows: mostly searches, of which some have no time."""
+        """Mostly searches, of which some have no time."""
         self.database.execute(
             "with recursive n(i) as (select 1 union all select i+1 from n where i<?) insert into searches"
             "(bookmark,search_keyword,search_timestamp) select 0,'word '||i,case i%4 when 0 then 0 when 1 then 'x' "

@@ -24,12 +24,12 @@ def hostile(port):
             f"\"onmouseover={CANARY} ' autofocus onfocus={CANARY}<svg onload={CANARY}><a href=javascript:{CANARY}>"
             f"<link rel=stylesheet href={url}l><style>@import url({url}s);*{{background:url({url}b)}}</style>"
             f"<iframe src={url}f></iframe><base href={url}><meta http-equiv=refresh content=0;url={url}m>&lt;b&gt;"
-            "<!--\u202egpj.exe\u2069 \x1b[31m \0 ]]>")
+            "<!--\u202egpj.exe\u2069 in\u200bvisi\ufeffble \x1b[31m \0 ]]>")
 
 
 def shown(text):
     """The text as the report shows it."""
-    return re.sub("[\0-\x08\x0b-\x1f\x7f-\x9f\u202a-\u202e\u2066-\u2069]",
+    return re.sub("[\0-\x08\x0b-\x1f\x7f-\x9f\u200b\u202a-\u202e\u2066-\u2069\ufeff]",
                   lambda found: ("\\x%02x" if ord(found[0]) < 256 else "\\u%04x") % ord(found[0]), text)
 
 
@@ -134,7 +134,7 @@ class report(export_case):
                 self.assertFalse(name.startswith("on") or "gpj" in value, (element.tag, name, value))
                 if name == "href":
                     self.assertRegex(value, "^(#|https://www[.]openstreetmap[.]org/[?]mlat=[-0-9.e]+&mlon=[-0-9.e]+$)")
-        self.assertNotIn("\u202e", self.make())
+        self.assertIsNone(re.search("[\u200b\u202e\ufeff]", self.make()))
         self.every_value_is_shown(shown(text))
 
     def every_value_is_shown(self, text):
@@ -169,6 +169,7 @@ class report(export_case):
                 ({"tables": ["cookies"]}, ["read to its end", "was not selected"]),
                 ({"exit_code": 4}, ["found nothing", "holds none"]),
                 ({"could_not_read": 5, "problems": finding}, [gap, "x.dat: its checksum is wrong", "lists 1 of 5"]),
+                ({"could_not_read": 14, "problems": finding * 14}, [gap, "2 more"]),
                 ({"losses": loss}, [gap, "1 step was not finished", "profile anna, cookies: SIGSEGV"]),
                 ({"failures": 2, "first_failures": ["q FAILED"]}, [gap, "2 failures", "q FAILED"]),
                 ({"exit_code": 130, "outcome": "cancelled"}, [gap, "did not come to its end", "cancelled"]),
@@ -190,6 +191,11 @@ class report(export_case):
                 for words in expected:
                     self.assertIn(words, text)
                 self.assertEqual(gap in text, gap in expected)
+        self.write_record()
+        with open(self.own_folder + "/run-1.json", "w", encoding="utf-8"):
+            pass
+        self.export("html", "--tables", "searches")
+        self.assertIn(b"the last run only", self.content("report.html"))
 
     def test_merged_sources(self):
         self.database.execute("create table sources(source text,id text,outcome text)")
@@ -251,6 +257,17 @@ class report(export_case):
         self.assertEqual(counts[1:], ["anna", "0", "0", "0", "0", "0", "0", "0", "0", "7", "7"])
         bars = [self.text(bar) for bar in self.section("activity").iterfind(".//{http://www.w3.org/2000/svg}rect")]
         self.assertEqual(sum(int(bar.split(": ")[1].split()[0]) for bar in bars), 2)
+        heads = [self.text(head) for head in self.section("activity").iterfind(".//thead//th")]
+        self.assertEqual(heads, ["days", "searches"])  # of tables with times only
+
+    def test_more_days_than_are_counted_singly(self):
+        self.database.execute("with recursive n(i) as (select 1 union all select i+1 from n where i<10001) insert into searches"
+                              "(bookmark,search_timestamp) select 0,i*86400 from n")
+        self.export("html", "--tables", "searches")
+        numbers = self.content("report.html").decode().split('class="numbers"')[1].split("</table>")[0]
+        self.assertEqual(sum(int(count.replace(",", "")) for count in re.findall("<td>([0-9,]+)", numbers)), 10001)
+        rows = re.findall('<th scope="row">(.{10}) to (.{10})', numbers)
+        self.assertTrue(rows[0][0] <= "1970-01-02" and rows[-1][0] <= "1997-05-20" <= rows[-1][1], rows)
 
     def test_sorting_and_filtering_over_all_pages(self):
         self.insert("searches", [{"search_keyword": f"word {i % 700}", "search_timestamp": MAY + i} for i in range(1200)])

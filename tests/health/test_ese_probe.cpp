@@ -92,8 +92,8 @@ private Q_SLOTS:
     void tells_what_is_refused() {
         QFETCH(change, damage);
         QFETCH(QString, problem);
-        for (const std::uint32_t size : {4096U, 32768U}) {
-            test_database file(size);
+        static const test_database sound[] = {test_database(4096), test_database(32768)};
+        for (test_database file : sound) {
             damage(file);
             QStringList notes;
             const QStringList problems = told(file, QStringLiteral("WebCacheV01.dat"), {cookies}, notes);

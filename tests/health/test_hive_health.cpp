@@ -67,6 +67,24 @@ private Q_SLOTS:
         }
     }
 
+    void more_than_is_read_of_a_hive() {
+        const QTemporaryDir folder;
+        QVERIFY(write_sample_hive({folder.path() + QLatin1Char('/'), QStringLiteral("anna"), 0}));
+        QFile file(folder.filePath(QStringLiteral("Users/anna/NTUSER.DAT")));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray hive = file.readAll();
+        const QByteArray zeros(1 << 20, '\0');
+        for (const qint64 size : {qint64{0x7fffffff}, qint64{0x80000000}}) {
+            const auto checker = registry_hive_checker();
+            checker->take(hive.constData(), hive.size());
+            for (qint64 left = size - hive.size(); left > 0; left -= zeros.size()) {
+                checker->take(zeros.constData(), qMin(left, qint64{zeros.size()}));
+            }
+            const QString problem = QStringLiteral("it is larger than the 2 GiB that are read of a registry hive");
+            QCOMPARE(checker->finish().problem, size > 0x7fffffff ? problem : QString());
+        }
+    }
+
     void facts() {
         constexpr quint64 new_year_2020 = 132223104000000000;
         const file_health health = checked(registry_hive_checker(), base_block(0, 12, 11, new_year_2020 + 1230000));

@@ -92,7 +92,7 @@ public:
         const auto create = reinterpret_cast<create_object_function>(library.resolve(create_object_symbol));
         real = static_cast<host_interface*>(create());
         real->setParent(this);
-        connect(real, CORTANA_RECORDS_SIGNAL, this, SIGNAL(signal_extracted_records_of_plugin_overall(qint64)));
+        connect(real, CORTANA_RECORDS_SIGNAL, this, SLOT(rows_told(qint64)));
         connect(real, CORTANA_TABLES_SIGNAL, this, SLOT(step_ended(int)));
     }
 
@@ -115,6 +115,7 @@ public:
         real->pub_set_essential_for_vantor_desk_extraction(wanted, ignored);
     }
     void pub_set_result_directory(QString directory) override {
+        log = directory + QStringLiteral("/cortana_debug.log");
         database = directory + QStringLiteral("/Artifacts_Result/Cortana/Cortana.sqlite");
         real->pub_set_result_directory(directory);
     }
@@ -126,10 +127,7 @@ public:
     }
     void pub_find_source_file() override {
         if (profile == QLatin1String("waits_for_cancel")) {
-            std::fputs("waiting\n", stderr);
-            while (!cancelled) {
-                ::sched_yield();
-            }
+            wait_for_cancel();
         }
         real->pub_find_source_file();
     }
@@ -139,13 +137,24 @@ public:
         real->pub_extract_artifacts();
     }
     void pub_generate_chat_html_pages() override {}
-    void pub_remove_temporary_asthetics() override { real->pub_remove_temporary_asthetics(); }
+    void pub_remove_temporary_asthetics() override {
+        real->pub_remove_temporary_asthetics();
+        if (profile == QLatin1String("loses_its_log")) {
+            QFile(log).open(QIODevice::WriteOnly | QIODevice::Truncate);
+        }
+    }
 
 Q_SIGNALS:
     void signal_extracted_records_of_plugin_overall(qint64 records);
     void signal_tab_processed_of_plugin_overall(int tab_count);
 
 private Q_SLOTS:
+    void rows_told(qint64 rows) {
+        if (rows > 0 && profile == QLatin1String("waits_in_a_step")) {
+            wait_for_cancel();
+        }
+        Q_EMIT signal_extracted_records_of_plugin_overall(profile == QLatin1String("boasts") ? rows + 1 : rows);
+    }
     void step_ended(int steps) {
         Q_EMIT signal_tab_processed_of_plugin_overall(steps);
         misbehave_before(tables.value(steps));
@@ -157,7 +166,10 @@ private:
             return !table.isEmpty() && profile == QLatin1String(deed) + QStringLiteral("_before_") + table;
         };
         if (is("dies")) {
+            write_log("half a line");
             die();
+        } else if (is("complains")) {
+            write_log("[2024-Mar-05T09-07-41][VANTOR_DESK][Artifacts Extraction][a::b]:-- it FAILED\n");
         } else if (is("hangs")) {
             hang();
         } else if (is("eats")) {
@@ -171,10 +183,24 @@ private:
         }
     }
 
+    void wait_for_cancel() const {
+        std::fputs("waiting\n", stderr);
+        while (!cancelled) {
+            ::sched_yield();
+        }
+    }
+
+    void write_log(const char* text) const {
+        QFile file(log);
+        file.open(QIODevice::Append);
+        file.write(text);
+    }
+
     host_interface* real; // a child of this object
     QString root;
     QString profile;
     QString database;
+    QString log;
     QStringList tables;
     volatile bool cancelled = false;
 };

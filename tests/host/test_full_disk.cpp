@@ -38,7 +38,7 @@ private Q_SLOTS:
     void earlier_runs_stay() {
         QFETCH(QString, option);
         QFETCH(bool, has_earlier);
-        constexpr int step = 64 * 1024;
+        constexpr int step = 96 * 1024;
         const host_case host;
         QVERIFY(write_sample_source(QString::fromUtf8(host.source())));
         host.make_folders(host.result());

@@ -88,6 +88,17 @@ class test_host_signals : public QObject {
         QVERIFY(summary["not_examined"_q].toArray().contains("p1099"_q));
     }
 
+    static QByteArray shown_on_a_terminal(const host_case& host, const QString& option) {
+        const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        if (terminal < 0 || ::grantpt(terminal) != 0 || ::unlockpt(terminal) != 0) {
+            qFatal("no terminal");
+        }
+        const int side = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        running_host program(host, "extract {S} {R} "_q + option, side, terminal);
+        const int code = program.exit_code();
+        return code == 0 ? program.seen : "exit code " + QByteArray::number(code);
+    }
+
 private Q_SLOTS:
     void keeps_what_was_written() { cancel("--clear --jobs 1"_q, "[pub_extract_artifacts] - END", SIGINT); }
 
@@ -104,18 +115,18 @@ private Q_SLOTS:
     void shows_progress_on_a_terminal() {
         const host_case host;
         host.add_recording("anna\x1b[2J", "a.wav");
-        const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-        QVERIFY(terminal >= 0 && ::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
-        const int side = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
-        running_host program(host, "extract {S} {R}"_q, side, terminal);
-        QCOMPARE(program.exit_code(), 0);
-        QVERIFY2(program.seen.startsWith("\r0/1 profiles, 0 rows, 0 rows/s, 0 s: anna\\x1b[2J checked\x1b[K"),
-                 program.seen.constData());
-        QVERIFY2(program.seen.contains("\r0/1 profiles, 1 rows, "), program.seen.constData());
-        QVERIFY2(program.seen.contains("anna\\x1b[2J graphed_cache\x1b[K"), program.seen.constData());
-        QVERIFY2(program.seen.endsWith("\r\x1b[K"), program.seen.constData());
-        QVERIFY(!program.seen.contains('\n'));
-        QCOMPARE(program.seen.count('\x1b'), program.seen.count("\x1b[K"));
+        const QByteArray seen = shown_on_a_terminal(host, {});
+        QVERIFY2(seen.startsWith("\r0/1 profiles, 0 rows, 0 rows/s, 0 s: anna\\x1b[2J checked\x1b[K"),
+                 seen.constData());
+        QVERIFY2(seen.contains("\r0/1 profiles, 1 rows, "), seen.constData());
+        QVERIFY2(seen.contains("anna\\x1b[2J graphed_cache\x1b[K"), seen.constData());
+        QVERIFY2(seen.endsWith("\r\x1b[K"), seen.constData());
+        QVERIFY(!seen.contains('\n'));
+        QCOMPARE(seen.count('\x1b'), seen.count("\x1b[K"));
+        // The log takes the line's place: the two would write into each other.
+        const QByteArray log = shown_on_a_terminal(host, "--log-terminal"_q);
+        QCOMPARE(shown_on_a_terminal(host, "--quiet"_q), QByteArray());
+        QVERIFY2(log.contains("FILE EXIST--") && !log.contains("/1 profiles"), log.constData());
     }
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Supervisor or worker killed with SIGKILL at moments spread over a run, counted in its lines of progress. Five
+// Supervisor or worker killed with SIGKILL at moments spread over a run, counted in its lines of progress. Four
 // moments each; CORTANA_KILLS in the environment asks for another number.
 #include "fuzz/mutated_runs.h"
 #include "host_case.h"
@@ -8,9 +8,6 @@
 #include <QtTest>
 
 #include <csignal>
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 namespace {
 
@@ -57,16 +54,6 @@ int run_until(const host_case& host, int moment, bool worker, int& code) {
     return lines;
 }
 
-// A worker that the killed supervisor was about to start holds the run's lock a moment longer.
-void wait_for_lock(const host_case& host) {
-    const QByteArray path = host.result() + "/Artifacts_Result/Cortana/.cortana.lock";
-    const int lock = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
-    if (lock >= 0) {
-        ::flock(lock, LOCK_EX);
-        ::close(lock);
-    }
-}
-
 // {"profile table": rows}
 QMap<QString, QStringList> steps_of(const profile_rows& rows) {
     QMap<QString, QStringList> steps;
@@ -106,7 +93,7 @@ private Q_SLOTS:
         const profile_rows whole = rows_by_profile(database_of(host));
         QVERIFY(lines > 20 && whole.size() == 3);
         const int kills =
-            qEnvironmentVariableIsSet("CORTANA_KILLS") ? qEnvironmentVariableIntValue("CORTANA_KILLS") : 5;
+            qEnvironmentVariableIsSet("CORTANA_KILLS") ? qEnvironmentVariableIntValue("CORTANA_KILLS") : 4;
         for (const bool worker : {false, true}) {
             int incomplete = 0;
             for (int kill = 0; kill < kills; ++kill) {
@@ -143,7 +130,6 @@ private:
         if (code == 0 && left != whole) {
             return fail("rows are missing without a word"_q);
         }
-        wait_for_lock(host);
         const host_answer next = host.extract("--clear"_q);
         if (next.code != 0 || rows_by_profile(database_of(host)) != whole) {
             return fail("the next run's rows are other ones: "_q + QString::fromUtf8(next.error));

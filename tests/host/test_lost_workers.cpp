@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Workers that die, hang, grow, or reach out: each costs its step and no more.
+#include "host/run/worker_limits.h"
 #include "host_case.h"
 
 #include <QJsonArray>
@@ -19,6 +20,15 @@ QVariantMap rows_of(const QJsonObject& summary, const QString& profile) {
         }
     }
     return rows;
+}
+
+// The texts under the key, in the list's order; of a list of texts without one.
+QStringList texts_of(const QJsonValue& list, const QString& key = {}) {
+    QStringList texts;
+    for (const QJsonValue& one : list.toArray()) {
+        texts << (key.isEmpty() ? one : one[key]).toString();
+    }
+    return texts;
 }
 
 using lost_steps = QMap<QString, QString>; // {profile: why}
@@ -71,6 +81,7 @@ private Q_SLOTS:
             const QString table = loss["table"_q].toString();
             QVERIFY2(profile.endsWith("_before_"_q + table), qPrintable(profile + table));
             told.insert(profile, loss["reason"_q].toString());
+            QVERIFY(!loss["file"_q].toString().startsWith(QString::fromUtf8(host.base()))); // no evidence was open
             const QByteArray line = "not finished: profile " + profile.toUtf8() + ", " + table.toUtf8();
             QVERIFY2(answer.error.contains(line), answer.error.constData());
             QCOMPARE(rows_of(summary, profile), table == "latest_audio_search"_q ? QVariantMap() : one_recording);
@@ -78,10 +89,49 @@ private Q_SLOTS:
         }
         QCOMPARE(told, lost);
         QCOMPARE(summary["losses"_q].toArray().size(), lost.size());
+        // What the workers of one profile tell alike is told once.
+        const QByteArray record = whole_file(QString::fromUtf8(host.result() + "/Artifacts_Result/Cortana/run.json"));
+        for (QStringList list : {texts_of(QJsonDocument::fromJson(record)["evidence"_q], "path"_q),
+                                 texts_of(summary["sources_found"_q])}) {
+            QVERIFY(list.size() >= 2 + lost.size());
+            QCOMPARE(list.removeDuplicates(), 0);
+        }
         // Every step but the lost ones came to its end, in the profiles' order, and no work is left behind.
         const QByteArray log = whole_file(QString::fromUtf8(host.log()));
+        QCOMPARE(log.count("half a line\n"), lost.keys().filter("dies_"_q).size());
         QCOMPARE(log.count("----- ENDS ------") + log.count("-----ENDS------"), ends);
         QVERIFY(!QFile::exists(QString::fromUtf8(host.result() + "/Artifacts_Result/Cortana/.workers")));
+    }
+
+    // However often it is looked at too late for the old step: the new one is at its beginning.
+    void each_step_has_its_own_time() {
+        worker_limits limits;
+        limits.step_seconds = 0;
+        worker_watch watch(::getpid(), {}, limits);
+        while (watch.passed_limit().isEmpty()) {
+        }
+        bool is_anew = false;
+        for (int look = 0; look < 1000 && !is_anew; ++look) {
+            watch.step_began();
+            is_anew = watch.passed_limit().isEmpty();
+        }
+        QVERIFY(is_anew);
+    }
+
+    void what_only_counts_or_log_tell_is_told_data() {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QByteArray>("words");
+        QTest::newRow("boasts") << 5 << QByteArray("rows were lost: the plugin wrote 2, the database");
+        QTest::newRow("loses_its_log") << 5 << QByteArray("cortana_debug.log is not whole");
+        QTest::newRow("complains_before_cookies") << 3 << QByteArray("it FAILED");
+    }
+    void what_only_counts_or_log_tell_is_told() {
+        QFETCH(QByteArray, words);
+        const host_case host;
+        host.add_recording(QTest::currentDataTag(), "1.wav");
+        const host_answer answer = host.extract(misbehaving);
+        QVERIFY2(answer.error.contains(words), answer.error.constData());
+        QTEST(answer.code, "code");
     }
 
     void a_worker_is_confined() {
@@ -120,9 +170,14 @@ private Q_SLOTS:
         QCOMPARE(rows[1], rows[0]);
     }
 
+    void a_second_run_into_the_same_result_is_refused_data() {
+        QTest::addColumn<int>("rows_kept"); // of the cancelled first one
+        QTest::newRow("waits_for_cancel") << 0;
+        QTest::newRow("waits_in_a_step") << 1;
+    }
     void a_second_run_into_the_same_result_is_refused() {
         const host_case host;
-        host.add_recording("waits_for_cancel", "1.wav");
+        host.add_recording(QTest::currentDataTag(), "1.wav");
         host_process first;
         first.in_child = [] {};
         first.start(QStringLiteral(HOST_PROGRAM), host.filled("extract {S} {R}"_q + misbehaving));
@@ -136,7 +191,7 @@ private Q_SLOTS:
         ::kill(static_cast<pid_t>(first.processId()), SIGTERM); // reaches the worker as a cancel
         QVERIFY(first.waitForFinished(60000));
         QCOMPARE(first.exitCode(), 143);
-        QCOMPARE(host.recordings({"file_name"_q}), QStringList());
+        QTEST(host.recordings({"file_name"_q}).size(), "rows_kept");
         QCOMPARE(host.extract().code, 0);
     }
 };

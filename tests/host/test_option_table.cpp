@@ -5,6 +5,7 @@
 #include "host/commands/option_values.h"
 #include "host/commands/options.h"
 
+#include <QThread>
 #include <QtTest>
 
 namespace {
@@ -72,6 +73,10 @@ private Q_SLOTS:
             const QStringList too_many = words + QVector<QString>(most + 1, QStringLiteral("x")).toList();
             QCOMPARE(read(too_many).text, QString::fromUtf8(command.taken));
         }
+    }
+
+    void as_many_workers_as_cores() {
+        QCOMPARE(read({QStringLiteral("check"), QStringLiteral("x")}).extract.jobs, QThread::idealThreadCount());
     }
 
     void every_option_has_its_commands() {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs into a folder of its own, then works with nothing but what lies there: the program, and a host that is built
-# once with find_package and once with pkg-config.
+# with find_package and linked once more with pkg-config.
 # test_install.sh BUILD CMAKE CXX_COMPILER
 set -euo pipefail
 build=$1 cmake=$2 compiler=$3
@@ -41,8 +41,10 @@ check_host cmake "$(realpath "$(cat "$work/cmake/plugin")")"
 
 PKG_CONFIG_PATH=$(dirname "$(find "$stage" -name cortana.pc)")
 export PKG_CONFIG_PATH
-read -ra flags < <(pkg-config --cflags --libs cortana)
-"$compiler" -std=c++17 -fPIC -o "$work/pkgconfig/small_host" "$here/small_host.cpp" "${flags[@]}" -ldl
+read -ra flags < <(pkg-config --cflags cortana)
+read -ra libraries < <(pkg-config --libs cortana)
+"$compiler" -std=c++17 -fPIC -E -o /dev/null "$here/small_host.cpp" "${flags[@]}" # finds every header
+"$compiler" -o "$work/pkgconfig/small_host" "$(find "$work/cmake" -name 'small_host*.o')" "${libraries[@]}" -ldl
 check_host pkgconfig "$(realpath "$(pkg-config --variable=plugin cortana)")"
 
 while read -r page; do

@@ -2,7 +2,7 @@
 // The process that copies dies at a known message: what it had copied whole is extracted, all else is told, and half a
 // copy is never read.
 #include "samples/sample_source.h"
-#include "tests/host/host_case.h"
+#include "tests/intake/wrapped_staging.h"
 
 #include <QJsonArray>
 #include <QtTest>
@@ -10,34 +10,11 @@
 class test_lost_staging : public QObject {
     Q_OBJECT
 
-    QTemporaryDir programs; // a copy of the host beside a staging program that dies
+    wrapped_staging program;
     QTemporaryDir evidence;
     QString source = evidence.path() + "/source.tar"_q;
 
-    static void shell(const QString& script) { QCOMPARE(QProcess::execute("sh"_q, {"-ec"_q, script}), 0); }
-    // Of the real program's messages those to the first one that matches come through; then it is killed.
-    void die_after(const QString& message) const {
-        QFile script(programs.path() + "/cortana-stage"_q);
-        QVERIFY(script.open(QIODevice::WriteOnly));
-        script.write("#!/bin/sh\n" HOST_PROGRAM "-stage \"$1\" $$ | sed '/" + message.toUtf8() + "/q'\nkill -9 $$\n");
-        script.close();
-        script.setPermissions(QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner);
-    }
-    host_answer extract(const host_case& result) const {
-        host_process process;
-        process.in_child = [] {};
-        process.start(
-            programs.path() + "/cortana"_q,
-            result.filled("extract --json --library "_q + QStringLiteral(PLUGIN_LIBRARY) + " "_q + source + " {R}"_q));
-        process.waitForFinished(60000);
-        return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-    }
-    // All messages come through, then the host's program is gone: it cannot start workers for the profiles.
-    void end_without_host() const {
-        shell("rm -f "_q + programs.path() + "/cortana-stage && cd "_q + programs.path() +
-              " && printf '#!/bin/sh\n" HOST_PROGRAM
-              "-stage \"$1\" $$\nrm \"${0%%-stage}\"\n' >cortana-stage && chmod +x cortana-stage"_q);
-    }
+    host_answer extract(const host_case& result) const { return program.extract(result, source); }
     // Below the staging folder, without folders.
     static QStringList files_in(const QString& folder) {
         QStringList files;
@@ -61,12 +38,11 @@ class test_lost_staging : public QObject {
 private Q_SLOTS:
     void initTestCase() {
         QVERIFY(write_sample_source(evidence.path() + "/source"_q));
-        shell("cp "_q + QStringLiteral(HOST_PROGRAM) + " "_q + programs.path());
-        shell("cd "_q + evidence.path() + "/source && tar --sort=name -cf ../source.tar Users"_q);
+        wrapped_staging::run_in(evidence.path(), "tar --sort=name -C source -cf source.tar Users"_q);
     }
 
     void dies_at_a_copy() {
-        die_after("event.:.staged.*anna.*CortanaCoreDb.dat"_q);
+        program.die_after("/event.:.staged.*anna.*CortanaCoreDb.dat/q");
         const host_case result;
         const host_answer answer = extract(result);
         QVERIFY2(answer.code == 3, answer.error.constData());
@@ -89,7 +65,7 @@ private Q_SLOTS:
     }
 
     void dies_before_it_copied() {
-        die_after("event.:.planned"_q);
+        program.die_after("/event.:.planned/q");
         const host_case result;
         const host_answer answer = extract(result);
         QCOMPARE(answer.code, 3);
@@ -99,25 +75,28 @@ private Q_SLOTS:
 
     // What the machine lacks is no finding about the evidence: another run may have it.
     void workers_cannot_be_started_data() {
-        QTest::addColumn<bool>("copies");
-        QTest::addColumn<QString>("wanted");
+        QTest::addColumn<QByteArray>("script");
+        QTest::addColumn<QByteArray>("wanted");
         QTest::newRow("the one that copies")
-            << false << "its parts could not be staged: the worker could not be started"_q;
-        QTest::newRow("those of the profiles") << true << "not finished: profile anna"_q;
+            << QByteArray() << QByteArray("its parts could not be staged: the worker could not be started");
+        QTest::newRow("those of the profiles")
+            << QByteArray("rm \"${0%-stage}\"; exec \"$real\" \"$@\"") << QByteArray("not finished: profile anna");
     }
     void workers_cannot_be_started() {
-        QFETCH(bool, copies);
-        QFETCH(QString, wanted);
-        copies ? end_without_host() : shell("rm -f "_q + programs.path() + "/cortana-stage"_q);
+        QFETCH(QByteArray, script);
+        QFETCH(QByteArray, wanted);
+        const wrapped_staging lacking; // until it wraps one, a program that copies
+        if (!script.isEmpty()) {
+            lacking.wrap(script);
+        }
         const host_case result;
-        const host_answer answer = extract(result);
-        shell("cp "_q + QStringLiteral(HOST_PROGRAM) + " "_q + programs.path());
-        QVERIFY2(answer.error.contains(wanted.toUtf8()), answer.error.constData());
+        const host_answer answer = lacking.extract(result, source);
+        QVERIFY2(answer.error.contains(wanted), answer.error.constData());
         QCOMPARE(answer.code, 1);
     }
 
     void dies_before_names_are_looked_for() {
-        die_after("event.:.waiting"_q);
+        program.die_after("/event.:.waiting/q");
         const host_case result;
         const host_case undisturbed;
         const host_answer answer = extract(result);

@@ -3,9 +3,9 @@
 // not depend on the kind of source. All nine tables are compared, times included.
 #include "contract/table_names.h"
 #include "samples/webcache_schema.h"
-#include "tests/host/host_case.h"
 #include "tests/intake/evidence_files.h"
 #include "tests/intake/ntfs_image.h"
+#include "tests/intake/wrapped_staging.h"
 
 #include <QJsonArray>
 #include <QtTest>
@@ -79,6 +79,7 @@ class test_named_elsewhere : public QObject {
     Q_OBJECT
 
     evidence_files files;
+    wrapped_staging program;
 
     host_answer extract(const host_case& result, const QByteArray& source, const QString& options = {}) const {
         return result.run("extract --user anna --keep-staged --json "_q + QString::fromUtf8(files.path(source)) +
@@ -86,6 +87,16 @@ class test_named_elsewhere : public QObject {
     }
     static QStringList existing(const host_case& result) {
         return dump_table(QString::fromUtf8(result.database()), "cookies"_q, {"windows_path"_q, "file_exists"_q});
+    }
+    static QStringList expected_rows(bool is_staged) {
+        QStringList expected;
+        for (const named_file& one : named_files) {
+            const QByteArray path = QByteArray(one.directory).replace('\\', '/') + one.file;
+            const bool is_there = one.exists == everywhere || (is_staged && one.exists == for_windows);
+            expected << "windows_path=text:%1 | file_exists=text:%2"_q.arg(QString::fromUtf8(path),
+                                                                           is_there ? "YES"_q : "NO"_q);
+        }
+        return expected;
     }
 
 private Q_SLOTS:
@@ -95,15 +106,18 @@ private Q_SLOTS:
                   "Users/anna/AppData/Local/Cortana && touch ProgramData/Cortana/there.bin "
                   "Users/Public/Cortana/München.txt 'Users/bernd/AppData/Local/Cortana/of another profile'");
         write_ntfs_image(files.path("volume"), 12, files.path("source"));
-        files.run("truncate -s 18M disk.dd && printf 'label: gpt\nstart=8192,size=24576\n' | sfdisk -q disk.dd && "
-                  "dd if=volume of=disk.dd bs=512 seek=8192 conv=notrunc status=none && "
-                  "qemu-img convert -t unsafe -O vmdk disk.dd disk.vmdk && "
-                  "qemu-img convert -t unsafe -O vpc disk.dd disk.vhd && "
-                  "mkfs.vfat -C volume.fat 8192 >/dev/null && mcopy -s -i volume.fat source/* :: && "
-                  "(cd source && zip -qr1 ../source.zip . && tar -czf ../source.tgz .) && "
-                  "cp -a source upper && cd upper && mv ProgramData PROGRAMDATA && mv Users/anna/NTUSER.DAT "
-                  "Users/anna/ntuser.dat && mv Users/Public Users/PUBLIC && mv PROGRAMDATA/Cortana/there.bin "
-                  "PROGRAMDATA/Cortana/There.BIN");
+        files.run(
+            "truncate -s 18M disk.dd && printf 'label: gpt\nstart=8192,size=24576\n' | sfdisk -q disk.dd && "
+            "dd if=volume of=disk.dd bs=512 seek=8192 conv=notrunc status=none && "
+            "qemu-img convert -t unsafe -O vmdk disk.dd disk.vmdk && "
+            "qemu-img convert -t unsafe -O vpc disk.dd disk.vhd && "
+            "mkfs.vfat -C volume.fat 8192 >/dev/null && mcopy -s -i volume.fat source/* :: && "
+            "(cd source && zip -qr1 ../source.zip . && tar -czf ../source.tgz .) && "
+            "cp -a source both && cp -r both/Users/anna/AppData/Local/Microsoft both/Users/bernd/AppData/Local && "
+            "tar -C both -cf both.tar . && "
+            "cp -a source upper && cd upper && mv ProgramData PROGRAMDATA && mv Users/anna/NTUSER.DAT "
+            "Users/anna/ntuser.dat && mv Users/Public Users/PUBLIC && mv PROGRAMDATA/Cortana/there.bin "
+            "PROGRAMDATA/Cortana/There.BIN");
     }
 
     void rows_tell_of_them_as_of_a_folder_data() {
@@ -119,14 +133,7 @@ private Q_SLOTS:
         const host_case result;
         const host_answer answer = extract(result, QTest::currentDataTag());
         QVERIFY2(answer.code == 0, answer.error.constData());
-        QStringList expected;
-        for (const named_file& one : named_files) {
-            const QByteArray path = QByteArray(one.directory).replace('\\', '/') + one.file;
-            const bool is_there = one.exists == everywhere || (is_staged && one.exists == for_windows);
-            expected << "windows_path=text:%1 | file_exists=text:%2"_q.arg(QString::fromUtf8(path),
-                                                                           is_there ? "YES"_q : "NO"_q);
-        }
-        QCOMPARE(existing(result), expected);
+        QCOMPARE(existing(result), expected_rows(is_staged));
         QCOMPARE(answer.json()["profiles"_q], QJsonValue(QJsonArray{"anna"_q}));
     }
 
@@ -145,6 +152,45 @@ private Q_SLOTS:
         QCOMPARE(extract(from_image, "disk.vmdk").code, 0);
         QVERIFY(from_image.recordings({"creation_time"_q}).size() > 0);
         QCOMPARE(all_rows(from_image), all_rows(from_mount));
+    }
+
+    // The names of each profile are asked for, whenever its rows are there.
+    void each_profile_asks_data() {
+        QTest::addColumn<QString>("options");
+        for (const char* const options : {"--jobs 1", "--jobs 2", "--jobs 2 --clear", "--jobs 2 --all-profiles"}) {
+            QTest::newRow(options) << QString::fromUtf8(options);
+        }
+    }
+    void each_profile_asks() {
+        QFETCH(QString, options);
+        const host_case result;
+        const host_answer answer =
+            result.run("extract --quiet "_q + options + " "_q + QString::fromUtf8(files.path("both.tar")) + " {R}"_q);
+        QVERIFY2(answer.code == 0, answer.error.constData());
+        QCOMPARE(existing(result), expected_rows(true) + expected_rows(true));
+    }
+
+    // A cancel that comes between the rows and the question leaves no row that says NO for a file that is there.
+    void a_cancel_leaves_no_row_unasked() {
+        program.wrap("exec 3<&0; mkfifo \"$0.in\"; { read -r request; echo \"$request\"; read -r question; "
+                     "kill -INT $2 $$; echo \"$question\"; cat; } <&3 >\"$0.in\" & "
+                     "exec \"$real\" \"$@\" <\"$0.in\" 3<&-");
+        const host_case result;
+        const host_answer answer =
+            program.extract(result, QString::fromUtf8(files.path("source.zip")), "--user anna"_q);
+        QVERIFY2(answer.code == 130, answer.error.constData());
+        QCOMPARE(existing(result), expected_rows(true));
+    }
+
+    void a_lost_answer_is_told() {
+        program.die_after("/event.:.waiting/ { :next\nn; /event.:.staged/q; b next\n}");
+        const host_case result;
+        const host_answer answer =
+            program.extract(result, QString::fromUtf8(files.path("source.zip")), "--user anna"_q);
+        QCOMPARE(answer.code, 3);
+        QVERIFY2(answer.error.contains("which files exist that web cache entries name was not found out: killed by"),
+                 answer.error.constData());
+        QCOMPARE(existing(result).filter("=text:YES"_q).size(), 2); // the one that it told of, and the profile's hive
     }
 
     void no_profile_comes_of_a_name() {

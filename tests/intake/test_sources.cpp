@@ -92,7 +92,8 @@ class test_sources : public QObject {
             QFile file(path);
             QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
         }
-        files.run("cp -a source after && cp other/" + ntuser + " after/" + ntuser);
+        files.run("cp -a source after && cp other/" + ntuser + " after/" + ntuser +
+                  " && cd unfinished/Users/anna && mv NTUSER.DAT ntuser.dat"); // staged under the usual name
     }
 
 private Q_SLOTS:
@@ -206,7 +207,7 @@ private Q_SLOTS:
         const host_case finished;
         const host_case as_before;
         const QStringList before = everything_below(QString::fromUtf8(files.path("unfinished")));
-        QCOMPARE(extract(with_logs, "unfinished", "--tables searches"_q).code, 0);
+        QCOMPARE(extract(with_logs, "unfinished", "--tables searches --keep-staged"_q).code, 0);
         QCOMPARE(extract(without_logs, "unfinished", "--tables searches --no-hive-logs"_q).code, 0);
         QCOMPARE(extract(finished, "after", "--tables searches"_q).code, 0);
         QCOMPARE(extract(as_before, "source", "--tables searches"_q).code, 0);
@@ -214,8 +215,10 @@ private Q_SLOTS:
         QCOMPARE(rows_of(with_logs, {}), rows_of(finished, {}));
         QCOMPARE(rows_of(without_logs, {}), rows_of(as_before, {}));
         QVERIFY(rows_of(finished, {}) != rows_of(as_before, {}));
-        const QJsonObject hive = evidence_ending_in(run_record(with_logs), "anna/NTUSER.DAT"_q);
-        const QByteArray given = whole_file(QString::fromUtf8(files.path("unfinished/" + ntuser)));
+        const QByteArray staged = with_logs.result() + "/Artifacts_Result/Cortana/staged/" + ntuser;
+        QVERIFY(QFile::exists(QString::fromUtf8(staged)) && !QFile::exists(QString::fromUtf8(staged + ".as_found")));
+        const QJsonObject hive = evidence_ending_in(run_record(with_logs), "anna/ntuser.dat"_q);
+        const QByteArray given = whole_file(QString::fromUtf8(files.path("unfinished/Users/anna/ntuser.dat")));
         QCOMPARE(hive["sha256"_q].toString().toLatin1(),
                  QCryptographicHash::hash(given, QCryptographicHash::Sha256).toHex());
         QCOMPARE(hive["log_entries"_q].toInt(), 1);
@@ -235,7 +238,7 @@ private Q_SLOTS:
             const QString reason = one["reason"_q].toString();
             const bool is_gone = reason.contains(" gives no row: the log removes it"_q);
             if (reason.startsWith(word)) {
-                QVERIFY(one["path"_q].toString().endsWith("/unfinished/Users/anna/NTUSER.DAT"_q));
+                QVERIFY(one["path"_q].toString().endsWith("/unfinished/Users/anna/ntuser.dat"_q));
                 QVERIFY(is_gone || reason.endsWith(" is in the log only"_q));
                 told[is_gone ? 1 : 0]
                     << reason.mid(word.size()).section(QRegularExpression("\\) (is in|gives)"_q), 0, 0);

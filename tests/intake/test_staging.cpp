@@ -269,6 +269,19 @@ private Q_SLOTS:
         QVERIFY(largest < 5 || QFile::exists(QString::fromUtf8(staging + "/Users/anna/NTUSER.DAT.LOG1")));
     }
 
+    void stages_no_more_than_is_allowed() {
+        scripted_view view;
+        view.first.size = -1;
+        view.second_size = -1;
+        staging_limit limit;
+        limit.most_bytes = 9;
+        const QByteArray staging = new_staging();
+        QCOMPARE(
+            texts(stage_profiles(view, {}, {"anna"}, staging, limit, never).findings),
+            QStringList("Users/anna/ntuser.dat.log1: it is larger than its entry says, or too large to be staged"_q));
+        QCOMPARE(contents_below(staging).size(), 1);
+    }
+
     void notices_a_copy_that_was_changed() {
         scripted_view view;
         const QByteArray staging = new_staging();
@@ -328,6 +341,11 @@ private Q_SLOTS:
             QVERIFY(placeholder.isDir() || placeholder.size() == 0);
         }
         QCOMPARE(made, QStringList({QString::fromUtf8(favicon), "Users/anna/ntuser.ini"_q, "users/BERND/AppData"_q}));
+        staging_limit limit;
+        limit.most_entries = 2;
+        const staging_result some = stage_existing(*opened.view, opened.root, wanted, new_staging(), limit, never);
+        QCOMPARE(some.entries.size(), 2);
+        QCOMPARE(texts(some.findings).size(), 1); // that it was not looked for all of them
     }
 
     // An empty file where evidence is looked for would be taken for some.

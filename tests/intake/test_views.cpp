@@ -70,6 +70,11 @@ private Q_SLOTS:
             "cp gpt hybrid && printf '\\0\\0\\0\\0\\007\\0\\0\\0\\0\\040\\0\\0\\0\\140\\0\\0' |"
             "  dd of=hybrid bs=1 seek=462 conv=notrunc status=none",
             "hybrid");
+        row("GPT whose MBR is lost", "cp gpt no_mbr && dd if=/dev/zero of=no_mbr bs=512 count=1 conv=notrunc status=none",
+            "no_mbr");
+        row("GPT whose first header is lost",
+            "cp gpt no_header && dd if=/dev/zero of=no_header bs=512 seek=1 count=1 conv=notrunc status=none",
+            "no_header");
         row("split by numbers", "split -b 5M -a 3 --numeric-suffixes=1 gpt part.", "part.001");
         row("split by numbers, another one given", "true", "part.003");
         row("split by letters", "split -b 5M gpt x", "xaa");
@@ -190,6 +195,22 @@ private Q_SLOTS:
         const opened_source opened = open(name);
         QVERIFY2(opened.view, qPrintable(opened.problem));
         QCOMPARE(texts(opened.findings).value(0).left(finding.size()), finding);
+    }
+
+    void keeps_to_the_limits_of_archives() {
+        open_options options;
+        options.limit.most_entries = 20;
+        const QString problem = "it holds more entries than can be kept (%1): unpack it and give the folder"_q;
+        QCOMPARE(open_source(files.path("a.zip"), options).problem, problem.arg(20));
+        options.limit = {};
+        options.limit.most_name_bytes = 2000;
+        QCOMPARE(open_source(files.path("a.zip"), options).problem, problem.arg(options.limit.most_entries));
+        options.limit = {};
+        options.limit.largest_entry = 10000;
+        const opened_source opened = open_source(files.path("a.zip"), options);
+        const QString unreadable = "it is larger than an entry may be (10000 bytes)"_q;
+        QCOMPARE(entry_at(*opened.view, "Users/anna/NTUSER.DAT").unreadable, unreadable);
+        QVERIFY(texts(opened.findings).contains("Users/anna/NTUSER.DAT: "_q + unreadable));
     }
 
     void takes_the_volume_that_is_asked_for() {

@@ -153,14 +153,6 @@ class test_check(run_case):
         shutil.rmtree(self.source + "/Users")
         self.run_host("check {S}", 4)
 
-    def test_hive_beyond_what_is_read(self):
-        with open(self.source + HIVE, "r+b") as opened:
-            opened.truncate(2**31)  # sparse
-        answer = json.loads(self.run_host("extract --json --tables searches --user anna {S} {R}", 3).stdout)
-        self.assertEqual(answer["problems"], [
-            {"path": self.source + HIVE, "reason": "it is larger than the 2 GiB that are read of a registry hive"}])
-        self.assertEqual(answer["rows_added"], 0)
-
 
 class test_verify(run_case):
     def setUp(self):

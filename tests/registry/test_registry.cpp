@@ -159,7 +159,10 @@ private Q_SLOTS:
         const hive_file sound(walked_hive());
         registry walker;
         QCOMPARE(walker.start_registry_parse(sound.path(), QString(), false), -1);
-        for (const QString& path : {QString(), file.path(), file.path() + q("x"), QFileInfo(file.path()).path()}) {
+        const hive_file large(walked_hive());
+        QVERIFY(QFile::resize(large.path(), qint64{1} << 31)); // its node handles would not fit
+        for (const QString& path :
+             {QString(), file.path(), file.path() + q("x"), QFileInfo(file.path()).path(), large.path()}) {
             QCOMPARE(walker.start_registry_parse(path, q("start"), false), -1);
         }
     }

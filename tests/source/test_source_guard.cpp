@@ -66,6 +66,19 @@ private Q_SLOTS:
         QTEST(guard.exists(base() + below), "let_through"); // also from memory
     }
 
+    // However many folders the evidence names, the process keeps handles for others.
+    void remembers_many_folders_with_few_handles() {
+        const auto open_handles = [] { return QDir("/proc/self/fd"_q).entryList(QDir::NoFilter).size(); };
+        source_guard guard(base());
+        const int before = open_handles();
+        for (int number = 0; number < 100; ++number) {
+            const QString file = "g/many/%1/file"_q.arg(number);
+            folder.write_file(file, "x");
+            QVERIFY(guard.exists(folder.root() + file));
+        }
+        QVERIFY2(open_handles() < before + 50, QByteArray::number(open_handles() - before).constData());
+    }
+
     void roots() {
         QVERIFY(QDir::setCurrent(base()));
         QVERIFY(!source_guard(QString()).exists("in/file"_q));
