@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Installs what a build needs on Debian 12 or 13, and nothing that is already there.
-# Usage: packaging/setup.sh [lint] [test] [bench] [deb] [slurm]
-# The extra words add what the checks, the tests, the benchmarks, packages or a real Slurm need.
+# Usage: packaging/setup.sh [lint] [test] [bench] [deb] [bare] [slurm]
+# The extra words add what the checks, the tests, the benchmarks, packages, bare systems or a real Slurm need.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 
@@ -13,10 +13,11 @@ for extra in "$@"; do
         lint) packages+=(clang clang-tidy clang-format cppcheck libclang-rt-dev lld shellcheck) ;;
         test)
             packages+=(chromium fish gdal-bin parallel python3-html5lib python3-jsonschema python3-openpyxl sleuthkit zsh)
-            packages+=(7zip bzip2 dosfstools e2fsprogs ewf-tools exfat-fuse exfatprogs fdisk mtools)
+            packages+=(bzip2 dosfstools e2fsprogs ewf-tools exfat-fuse exfatprogs fdisk mtools p7zip-full)
             packages+=(ntfs-3g qemu-utils xz-utils zip zstd)
             ;;
         deb) packages+=(build-essential debhelper dpkg-dev lintian) ;;
+        bare) packages+=(debootstrap) ;;
         slurm) packages+=(munge slurm-client slurmctld slurmd) ;;
         bench) packages+=(sqlite3 libwin-hivex-perl libhivex-bin) ;;
         *) echo "setup: unknown word '$extra'" >&2; exit 2 ;;

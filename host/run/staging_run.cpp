@@ -85,7 +85,7 @@ void staged_source::stage() {
         survey_hives();
     }
     if (!has_copied_all && !copying.loss().reason.isEmpty() && result.refused == 0) {
-        take_loss(copying.loss().reason);
+        take_loss(copying.loss());
     }
     result.files = staged.files();
     named_begin = result.files.size();
@@ -168,19 +168,19 @@ void staged_source::take(const worker_message& message) {
     }
 }
 
-void staged_source::take_loss(const QString& reason) {
+void staged_source::take_loss(const worker_loss& loss) {
     if (!staged.holds_files() || is_cancelled()) {
-        result.refused = exit_failures;
-        result.reason = QStringLiteral("its parts could not be staged: ") + reason;
+        result.refused = loss.began ? exit_failures : exit_internal;
+        result.reason = QStringLiteral("its parts could not be staged: ") + loss.reason;
         return;
     }
-    told_of_loss = reason;
+    told_of_loss = loss.reason;
     staged.remove_others(QFile::encodeName(request.folder));
     for (const QByteArray& source : staged.missing()) {
         result.findings.add_problem(shown_path(source), QStringLiteral("not copied: the process that copies was lost"));
     }
     result.findings.add_problem(QString(),
-                                QStringLiteral("not all of it was copied, rows come from what was: ") + reason);
+                                QStringLiteral("not all of it was copied, rows come from what was: ") + loss.reason);
 }
 
 void staged_source::list_profiles() {

@@ -49,7 +49,7 @@ public:
 
 private:
     void take(const worker_message& message);
-    void take_loss(const QString& reason);
+    void take_loss(const worker_loss& loss);
     void lose_names();
     void list_profiles();
     void survey_hives();

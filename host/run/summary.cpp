@@ -189,6 +189,9 @@ int exit_code_of(const run_summary& summary) {
     if (summary.signal != 0) {
         return 128 + summary.signal;
     }
+    if (std::any_of(summary.losses.begin(), summary.losses.end(), [](const step_loss& loss) { return !loss.began; })) {
+        return exit_internal;
+    }
     if (summary.log.failures > 0 || summary.health.problem_count > 0 || !summary.losses.isEmpty()) {
         return exit_failures;
     }

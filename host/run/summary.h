@@ -17,9 +17,10 @@
 // A part of the work that a worker process did not come to the end of.
 struct step_loss {
     QString profile;
-    QString table;  // the step that is missing; empty: the look over the evidence, or what follows the last step
-    QString file;   // that it was reading, or that the table's rows come from; empty where that is not known
-    QString reason; // a signal by its name, or the limit that it passed
+    QString table;     // the step that is missing; empty: the look over the evidence, or what follows the last step
+    QString file;      // that it was reading, or that the table's rows come from; empty where that is not known
+    QString reason;    // a signal by its name, or the limit that it passed
+    bool began = true; // false: the machine could not start the worker, so another run may come to the end
 };
 
 struct run_summary {
@@ -48,8 +49,8 @@ struct run_summary {
     qint64 row_count() const;
 };
 
-// A fault of the program goes before lost output, that before a cancel, a cancel before failures and lost steps, and
-// these before an empty source.
+// A fault of the program goes before lost output, that before a cancel, a cancel before a worker that could not be
+// started, that before failures and lost steps, and these before an empty source.
 int exit_code_of(const run_summary& summary);
 
 // Ready to print: names are made printable.

@@ -246,7 +246,8 @@ void supervisor::take_end(profile& one, const worker_loss& loss) {
 void supervisor::take_loss(profile& one, const worker_loss& loss) {
     const bool in_step = one.checked && !one.remaining.isEmpty();
     const QString table = in_step ? one.remaining.takeFirst() : QString();
-    summary.losses.append({one.label, table, loss.file.isEmpty() ? place_of(table) : loss.file, loss.reason});
+    summary.losses.append(
+        {one.label, table, loss.file.isEmpty() ? place_of(table) : loss.file, loss.reason, loss.began});
     one.linked = one.linked || (one.checked && !in_step); // lost at it once is enough
     one.checked = true;                                   // what it was looked over for is told; the steps come next
 }

@@ -32,6 +32,7 @@ worker_process::worker_process(const worker_request& asked, const worker_limits&
     connect(this, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart) {
             killed_for.reason = QStringLiteral("the worker could not be started: ") + errorString();
+            killed_for.began = false;
             end_with(0, QProcess::CrashExit);
         }
     });

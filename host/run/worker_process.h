@@ -12,8 +12,9 @@
 
 // Why a worker did not come to its end; the process is gone then.
 struct worker_loss {
-    QString reason; // in words: a signal by its name, a limit; empty: it came to its end
-    QString file;   // evidence that it had open, where that is known
+    QString reason;    // in words: a signal by its name, a limit; empty: it came to its end
+    QString file;      // evidence that it had open, where that is known
+    bool began = true; // false: the machine could not even start it
 };
 
 class worker_process : public QProcess {

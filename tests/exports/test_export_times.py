@@ -119,7 +119,8 @@ class times(export_case):
         self.assertEqual(account["notes"]["events that the format cannot hold"], sum(s < 0 for s in SECONDS.values()))
         words = ["mactime", "-b", self.path("bodyfile.txt"), "-d", "-y", "-z", "UTC", "1970-01-02"]
         listing = subprocess.run(words, capture_output=True, text=True, check=True)
-        self.assertEqual(listing.stderr, "")
+        # Perl 5.40 says of mactime itself that it is written in an old way.
+        self.assertEqual([line for line in listing.stderr.splitlines() if "deprecated" not in line], [])
         lines = [line.split(",", 7) for line in listing.stdout.splitlines()[1:]]
         cookies = [(line[0], line[1], line[2], line[6], line[7]) for line in lines if "cookies" in line[7]]
         name = '"[{}] cookies: a|b%7C\\n2 (row 1)"'

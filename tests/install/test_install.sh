@@ -9,7 +9,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 stage=$work/stage
-export QT_QPA_PLATFORM=offscreen
+export QT_QPA_PLATFORM=offscreen CMAKE_GENERATOR=Ninja
 fail() { echo "FAIL: $*" >&2; exit 1; }
 
 "$cmake" --install "$build" --prefix "$stage" >"$work/install.log" || { cat "$work/install.log"; fail "install"; }

@@ -73,6 +73,28 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(QString::fromUtf8(result.result())));
     }
 
+    // What the machine lacks is no finding about the evidence: another run may have it.
+    void workers_cannot_be_started_data() {
+        QTest::addColumn<QByteArray>("script");
+        QTest::addColumn<QByteArray>("wanted");
+        QTest::newRow("the one that copies")
+            << QByteArray() << QByteArray("its parts could not be staged: the worker could not be started");
+        QTest::newRow("those of the profiles")
+            << QByteArray("rm \"${0%-stage}\"; exec \"$real\" \"$@\"") << QByteArray("not finished: profile anna");
+    }
+    void workers_cannot_be_started() {
+        QFETCH(QByteArray, script);
+        QFETCH(QByteArray, wanted);
+        const wrapped_staging lacking; // until it wraps one, a program that copies
+        if (!script.isEmpty()) {
+            lacking.wrap(script);
+        }
+        const host_case result;
+        const host_answer answer = lacking.extract(result, source);
+        QVERIFY2(answer.error.contains(wanted), answer.error.constData());
+        QCOMPARE(answer.code, 1);
+    }
+
     void dies_before_names_are_looked_for() {
         program.die_after("/event.:.waiting/q");
         const host_case result;

@@ -101,7 +101,7 @@ private Q_SLOTS:
         files.run("mkdir -p source/Users/Public; find source -exec touch -m -d @1555526411 {} +");
         write_ntfs_image(files.path("disk.dd"), 12, files.path("source"));
         files.run("cp disk.dd copy.dd; ewfacquire -u -q -t disk copy.dd >/dev/null; split -b 3M -d -a 3 disk.dd part.");
-        files.run("cd source && zip -qr1 ../source.zip . && tar --sort=name -czf ../source.tgz . && 7zz a -bd "
+        files.run("cd source && zip -qr1 ../source.zip . && tar --sort=name -czf ../source.tgz . && 7z a -bd "
                   "../source.7z . >/dev/null");
         files.run("mkdir -p upper/C && cp -a source/. upper/C && cd upper/C && mv Users USERS && mv USERS/anna/AppData "
                   "USERS/anna/appdata && mv USERS/anna/NTUSER.DAT USERS/anna/ntuser.dat");

@@ -93,7 +93,7 @@ private Q_SLOTS:
         row("tar, bzip2", "tar -cjf a.tbz source", "a.tbz", "source");
         row("tar, xz", "XZ_OPT=-0 tar -cJf a.txz source", "a.txz", "source");
         row("tar, zstd", "zstd -q --fast a.tar -o a.tzst", "a.tzst", "source");
-        row("7z", "7zz a -mx1 a.7z source >/dev/null", "a.7z", "source");
+        row("7z", "7z a -mx1 a.7z source >/dev/null", "a.7z", "source");
         row("named as another kind", "cp a.7z a.E01", "a.E01", "source");
         row("partition folder", "mkdir -p mounted/p1 mounted/p2/Windows && cp -r source/Users mounted/p1", "mounted",
             "p1");
@@ -156,7 +156,7 @@ private Q_SLOTS:
             "it was renamed: it can only be read under its own name, one.vmdk");
         row("VHDX", "qemu-img create -qf vhdx one.vhdx 1M", "one.vhdx", "it is a VHDX image, which cannot be read");
         row("zip with password", "zip -qrP geheim locked.zip source", "locked.zip", "it is protected with a password");
-        row("7z with password", "7zz a -pgeheim -mhe locked.7z small >/dev/null", "locked.7z",
+        row("7z with password", "7z a -pgeheim -mhe locked.7z small >/dev/null", "locked.7z",
             "it is protected with a password");
         row("empty zip", "printf 'PK\\005\\006' >none.zip && head -c 18 /dev/zero >>none.zip", "none.zip",
             "it is an archive without entries");
