@@ -2,12 +2,16 @@
 // Entries of a web cache that name files outside of the Cortana package folder: what the rows say of these files does
 // not depend on the kind of source. All nine tables are compared, times included.
 #include "contract/table_names.h"
+#include "host/run/named_files.h"
 #include "samples/webcache_schema.h"
 #include "tests/intake/evidence_files.h"
 #include "tests/intake/ntfs_image.h"
 #include "tests/intake/wrapped_staging.h"
 
 #include <QJsonArray>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QtTest>
 
 #include <algorithm>
@@ -24,7 +28,7 @@ struct named_file {
     const char* file;
     there exists;
 };
-const named_file named_files[] = {
+const named_file examples[] = {
     {R"(C:\ProgramData\Cortana\)", "there.bin", everywhere},
     {R"(C:\ProgramData\Cortana\)", "gone.bin", nowhere},
     {R"(C:\ProgramData\Cortana\)", "", everywhere}, // the folder itself
@@ -42,12 +46,12 @@ const named_file named_files[] = {
 void write_webcache(const QByteArray& path) {
     ese_writer file(path.constData());
     std::vector<webcache_container> containers;
-    for (const named_file& one : named_files) {
+    for (const named_file& one : examples) {
         containers.push_back({static_cast<std::int64_t>(containers.size() + 1), "Cookies", one.directory, ""});
     }
     write_webcache_containers(file, containers);
     std::int64_t number = 0;
-    for (const named_file& one : named_files) {
+    for (const named_file& one : examples) {
         webcache_entry entry;
         entry.filename = one.file;
         entry.url = "Cookie:anna@example.org/";
@@ -90,7 +94,7 @@ class test_named_elsewhere : public QObject {
     }
     static QStringList expected_rows(bool is_staged) {
         QStringList expected;
-        for (const named_file& one : named_files) {
+        for (const named_file& one : examples) {
             const QByteArray path = QByteArray(one.directory).replace('\\', '/') + one.file;
             const bool is_there = one.exists == everywhere || (is_staged && one.exists == for_windows);
             expected << "windows_path=text:%1 | file_exists=text:%2"_q.arg(QString::fromUtf8(path),
@@ -191,6 +195,28 @@ private Q_SLOTS:
         QVERIFY2(answer.error.contains("which files exist that web cache entries name was not found out: killed by"),
                  answer.error.constData());
         QCOMPARE(existing(result).filter("=text:YES"_q).size(), 2); // the one that it told of, and the profile's hive
+    }
+
+    // Rows come from evidence: what they ask for takes no more memory than is set.
+    void more_names_than_are_asked_for() {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath("rows.sqlite"_q);
+        QString error;
+        QVERIFY2(make_result_database(file, error), qPrintable(error));
+        {
+            QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE"_q, "names"_q);
+            database.setDatabaseName(file);
+            QVERIFY(database.open());
+            const QSqlQuery rows = database.exec(
+                "with recursive n(i) as (select 1 union all select i+1 from n where i<9000) insert into "
+                "cookies(bookmark,windows_path,file_exists) select 0,'C:/'||i||hex(zeroblob(1950)),'NO' from n"_q);
+            QVERIFY2(!rows.lastError().isValid(), qPrintable(rows.lastError().text()));
+        }
+        QSqlDatabase::removeDatabase("names"_q);
+        const named_files named = files_named_by({{file, {"cookies"_q}}});
+        QVERIFY(!named.are_all);
+        QVERIFY2(named.paths.size() > 8000 && named.paths.size() < 9000,
+                 QByteArray::number(named.paths.size()).constData());
     }
 
     void no_profile_comes_of_a_name() {
