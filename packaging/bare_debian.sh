@@ -28,6 +28,10 @@ unshare --mount --pid --fork true 2>/dev/null || left_out "this machine does not
 mirror=$(apt-get indextargets --format '$(ORIGIN)|$(LABEL)|$(REPO_URI)' 'Identifier: Packages' |
     sed -n 's/^Debian|Debian|//p' | head -n 1)
 [ -n "$mirror" ] || left_out "this machine's apt names no mirror of Debian"
+mkdir -p "$folder"
+needed_gb=8 # a system with everything that builds and tests need, twice over
+free_gb=$(df --output=avail -BG "$folder" | tail -n 1 | tr -dc 0-9)
+[ "$free_gb" -ge $needed_gb ] || left_out "$folder has $free_gb GB left, $needed_gb are needed"
 
 log() { printf 'bare %s: %s (%s s so far)\n' "$release" "$1" "$SECONDS"; }
 in_bare() { # ROOT COMMAND...: runs it as the only command of a machine would be, with /proc and /dev/shm
@@ -42,6 +46,7 @@ new_system() { # ROOT
     timeout 900 debootstrap --variant=minbase --include=git,ca-certificates,netbase "$release" "$1" "$mirror" >"$1.log" 2>&1 ||
         { tail -n 20 "$1.log"; left_out "debootstrap made no $release of this machine's mirror"; }
     cp /etc/resolv.conf "$1/etc/resolv.conf"
+    in_bare "$1" true || left_out "this machine does not let us run a system in a folder"
     echo force-unsafe-io >"$1/etc/dpkg/dpkg.cfg.d/unsafe-io" # a system that is lost with the machine anyway
 }
 step() { # ROOT LOG COMMAND: the command, in the clone where there is one; a mirror that cannot be reached is no failure
