@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Tries this build on this machine and writes what was tried, with which outcome, as Markdown: what a laboratory attaches
-# to its procedure. Needs a built tree (./test makes one); takes two to three minutes.
+# to its procedure. Needs a built tree (./test makes one); takes one to four minutes.
 # packaging/validate.sh [FILE]   (default docs/validation.md)
 set -euo pipefail
 file=$(realpath -m "${1:-$(dirname "$0")/../docs/validation.md}")
