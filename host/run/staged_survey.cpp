@@ -78,6 +78,7 @@ std::vector<survey_outcome> survey_profiles(const QVector<QByteArray>& profiles,
     }
     run_together(surveys, options.jobs);
     std::vector<survey_outcome> outcomes;
+    outcomes.reserve(surveys.size());
     for (const auto& one : surveys) {
         outcomes.push_back(one->result());
     }
