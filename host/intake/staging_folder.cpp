@@ -7,6 +7,8 @@
 
 #include <QList>
 
+#include <utility>
+
 namespace intake {
 namespace {
 
@@ -27,77 +29,86 @@ timespec time_to_set(const std::optional<qint64>& ticks) {
 
 } // namespace
 
-quiet_file staging_folder::parent_of(const QByteArray& path, bool makes) const {
+int staging_folder::parent_of(const QByteArray& path, bool makes) const {
+    QList<QByteArray> names = path.split('/');
+    const QByteArray last = names.takeLast();
+    errno = is_plain_name(last) ? 0 : EINVAL;
+    if (errno != 0) {
+        return -1;
+    }
+    const QByteArray wanted = path.chopped(last.size());
+    if (last_opened.is_open() && last_folder == wanted) {
+        return last_opened.descriptor();
+    }
     quiet_file folder(top.descriptor(), ".", as_folder);
-    const QList<QByteArray> names = path.split('/');
-    for (int i = 0; i < names.size() && folder.is_open(); ++i) {
-        const bool is_last = i == names.size() - 1;
-        errno = is_plain_name(names[i]) ? 0 : EINVAL;
-        if (errno == 0 && !is_last && makes) {
-            errno = make_one(folder.descriptor(), names[i]);
+    for (const QByteArray& name : qAsConst(names)) {
+        errno = is_plain_name(name) ? 0 : EINVAL;
+        if (errno == 0 && makes) {
+            errno = make_one(folder.descriptor(), name);
         }
         if (errno != 0) {
-            return {};
+            return -1;
         }
-        if (!is_last) {
-            folder = quiet_file(folder.descriptor(), names[i], as_folder);
+        folder = quiet_file(folder.descriptor(), name, as_folder);
+        if (!folder.is_open()) {
+            return -1;
         }
     }
-    return folder;
+    last_folder = wanted;
+    last_opened = std::move(folder);
+    return last_opened.descriptor();
 }
 
 int staging_folder::make_folder(const QByteArray& path) const {
-    const quiet_file parent = parent_of(path, true);
-    if (!parent.is_open()) {
+    const int parent = parent_of(path, true);
+    if (parent < 0) {
         return errno;
     }
-    const int failed = make_one(parent.descriptor(), last_name(path));
-    const quiet_file made(parent.descriptor(), last_name(path), as_folder); // it may be no folder that was there
+    const int failed = make_one(parent, last_name(path));
+    const quiet_file made(parent, last_name(path), as_folder); // it may be no folder that was there
     return failed != 0 ? failed : made.is_open() ? 0 : errno;
 }
 
 int staging_folder::create_file(const QByteArray& path, quiet_file& created) const {
-    const quiet_file parent = parent_of(path, true);
-    if (!parent.is_open()) {
+    const int parent = parent_of(path, true);
+    if (parent < 0) {
         return errno;
     }
     constexpr mode_t only_owner = 0600;
-    created = quiet_file(::openat(parent.descriptor(), last_name(path).constData(),
+    created = quiet_file(::openat(parent, last_name(path).constData(),
                                   O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, only_owner));
     return created.is_open() ? 0 : errno;
 }
 
 int staging_folder::open_file(const QByteArray& path, quiet_file& opened) const {
-    const quiet_file parent = parent_of(path, false);
-    if (!parent.is_open()) {
+    const int parent = parent_of(path, false);
+    if (parent < 0) {
         return errno;
     }
-    opened = quiet_file(parent.descriptor(), last_name(path), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    opened = quiet_file(parent, last_name(path), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
     return opened.is_open() ? 0 : errno;
 }
 
 int staging_folder::remove_file(const QByteArray& path) const {
-    const quiet_file parent = parent_of(path, false);
-    if (!parent.is_open()) {
+    const int parent = parent_of(path, false);
+    if (parent < 0) {
         return errno;
     }
-    return ::unlinkat(parent.descriptor(), last_name(path).constData(), 0) == 0 ? 0 : errno;
+    return ::unlinkat(parent, last_name(path).constData(), 0) == 0 ? 0 : errno;
 }
 
 int staging_folder::rename_file(const QByteArray& from, const QByteArray& to) const {
-    const quiet_file parent = parent_of(from, false);
-    if (!parent.is_open()) {
+    const int parent = parent_of(from, false);
+    if (parent < 0) {
         return errno;
     }
-    const int folder = parent.descriptor();
-    return ::renameat(folder, last_name(from).constData(), folder, last_name(to).constData()) == 0 ? 0 : errno;
+    return ::renameat(parent, last_name(from).constData(), parent, last_name(to).constData()) == 0 ? 0 : errno;
 }
 
 int staging_folder::set_times(const QByteArray& path, const ntfs_times& times) const {
-    const quiet_file parent = parent_of(path, false);
+    const int parent = parent_of(path, false);
     const timespec both[] = {time_to_set(times.accessed), time_to_set(times.modified)};
-    const bool done = parent.is_open() &&
-                      ::utimensat(parent.descriptor(), last_name(path).constData(), both, AT_SYMLINK_NOFOLLOW) == 0;
+    const bool done = parent >= 0 && ::utimensat(parent, last_name(path).constData(), both, AT_SYMLINK_NOFOLLOW) == 0;
     return done ? 0 : errno;
 }
 

@@ -25,10 +25,13 @@ public:
     int set_times(const QByteArray& path, const ntfs_times& times) const;
 
 private:
-    // The folder that the last name of the path stands in, made where makes says so; not open and errno on failure.
-    quiet_file parent_of(const QByteArray& path, bool makes) const;
+    // Handle of the folder that the last name of the path stands in, good until the next call, made where makes says
+    // so; -1 and errno on failure.
+    int parent_of(const QByteArray& path, bool makes) const;
 
     quiet_file top;
+    mutable QByteArray last_folder; // that was asked for: many files of one folder need one walk to it
+    mutable quiet_file last_opened;
 };
 
 // Writes all bytes; 0 or an errno value.
