@@ -13,14 +13,13 @@
 namespace intake {
 namespace {
 
-// Null when the file cannot be read back.
-QByteArray digest_of(const staging_folder& folder, const QByteArray& path) {
+// Null when the file cannot be read back. piece: room for a part of it.
+QByteArray digest_of(const staging_folder& folder, const QByteArray& path, QByteArray& piece) {
     quiet_file file;
     if (folder.open_file(path, file) != 0) {
         return {};
     }
     sha256 digest;
-    QByteArray piece(piece_size, '\0');
     for (qint64 offset = 0;;) {
         const qint64 got = file.read(piece.data(), piece.size(), offset);
         if (errno != 0) {
@@ -94,7 +93,7 @@ private:
             return;
         }
         const QByteArray expected = QByteArray::fromHex(digest.finish());
-        if (expected.isEmpty() || digest_of(folder, one.path) != expected) {
+        if (expected.isEmpty() || digest_of(folder, one.path, read_back) != expected) {
             trouble = QStringLiteral("the copy that was read back is another one than was written");
             return;
         }
@@ -110,10 +109,11 @@ private:
     staging_result& result;
     quiet_file file;
     sha256 digest;
-    qint64 done = 0;     // bytes of this file
-    qint64 all_done = 0; // bytes of all
-    int failed = 0;      // errno value of the staging folder
-    QString trouble;     // of the evidence
+    qint64 done = 0;                                     // bytes of this file
+    qint64 all_done = 0;                                 // bytes of all
+    QByteArray read_back = QByteArray(piece_size, '\0'); // a piece of the copy
+    int failed = 0;                                      // errno value of the staging folder
+    QString trouble;                                     // of the evidence
 };
 
 void make_folders(const staging_plan& plan, const staging_folder& folder, const staging_hearer& hearer,

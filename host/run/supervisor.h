@@ -48,7 +48,7 @@ private:
     void take_findings(profile& one);
     void take_rows_of(profile& one);
     void look_for_named_files();
-    bool look_for_files_of(profile& one);
+    void collect_named_files(profile& one);
     void merge_finished();
     void merge_in_order();
     bool put_cleared_in_place(const QString& links, QString& error) const;

@@ -10,6 +10,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -39,41 +40,46 @@ bool append_log(const QString& from, const QString& to) {
 
 // No worker will write rows of it any more.
 void supervisor::take_rows_of(profile& one) {
-    one.state = staged != nullptr ? profile::naming : profile::finished;
-    look_for_named_files();
+    one.state = profile::finished;
+    if (staged != nullptr) {
+        one.state = profile::naming;
+        collect_named_files(one);
+        look_for_named_files();
+    }
     if (!options.clear) {
         merge_finished();
     }
 }
 
-// Of one profile after the other, beside the workers of those that come behind it.
-void supervisor::look_for_named_files() {
-    for (const auto& one : profiles) {
-        if (!is_looking && one->state == profile::naming) {
-            is_looking = look_for_files_of(*one);
-            one->state = is_looking ? profile::naming : profile::finished;
-        }
-    }
-}
-
-// False: there is nothing to wait for.
-bool supervisor::look_for_files_of(profile& one) {
-    const named_files named = files_named_by(one.databases);
+void supervisor::collect_named_files(profile& one) {
+    named_files named = files_named_by(one.databases);
+    one.named = std::move(named.paths);
     if (!named.are_all) {
         summary.health.add_problem(root, QStringLiteral("web cache entries of %1 name very many files: not all of them "
                                                         "were looked for outside of the package folder")
                                              .arg(one.label));
     }
-    return staged->make_named(named.paths, [this, &one] {
-        is_looking = false;
-        one.state = profile::finished;
-        tell_progress(one);
-        look_for_named_files();
-        if (!options.clear) {
-            merge_finished();
+}
+
+// Of one profile after the other, beside the workers of those that come behind it.
+void supervisor::look_for_named_files() {
+    for (const auto& each : profiles) {
+        profile& one = *each;
+        if (is_looking || one.state != profile::naming) {
+            continue;
         }
-        start_more();
-    });
+        is_looking = staged->make_named(std::exchange(one.named, {}), [this, &one] {
+            is_looking = false;
+            one.state = profile::finished;
+            tell_progress(one);
+            look_for_named_files();
+            if (!options.clear) {
+                merge_finished();
+            }
+            start_more();
+        });
+        one.state = is_looking ? profile::naming : profile::finished;
+    }
 }
 
 void supervisor::merge_finished() {

@@ -16,6 +16,7 @@ struct supervisor::profile {
     bool checked = false;           // the look over the evidence is done or lost
     QStringList folders;            // of its workers so far, the running one's last
     QVector<worker_rows> databases; // of its workers so far that finished a step
+    QVector<QByteArray> named;      // paths that its rows name, not asked for yet
     int steps_done = 0;             // by the running worker
     qint64 rows_told = 0;           // by the running worker
     qint64 rows_kept = 0;           // of the running worker's finished steps
