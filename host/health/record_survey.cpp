@@ -6,7 +6,6 @@
 #include "host/health/bytes.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -106,8 +105,8 @@ bool record_survey::take_long_values(const page_view& page, value_parts& parts) 
         if (entry->common_key > common.size() || (!is_head && size != sizeof key)) {
             return false;
         }
-        std::memcpy(key, common.data(), entry->common_key);
-        std::memcpy(key + entry->common_key, entry->local_key.data(), entry->local_key.size());
+        common.copy(key, entry->common_key);
+        entry->local_key.copy(key + entry->common_key, entry->local_key.size());
         const quint64 value = big_endian_at(key);
         const quint32 offset = big_endian_at(key + 4);
         const quint64 place = value << 32 | offset;
