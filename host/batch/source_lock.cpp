@@ -79,10 +79,7 @@ lock_state look_at_lock(const QString& file, QString& holder) {
     if (opened < 0) {
         return lock_state::none;
     }
-    struct flock lock = {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    const bool held = ::fcntl(opened, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    const bool held = is_lock_held(opened);
     holder = holder_in(opened);
     ::close(opened);
     return held ? lock_state::held : lock_state::left_behind;

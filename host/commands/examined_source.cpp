@@ -46,7 +46,6 @@ bool open_examined(const extract_options& options, const QByteArray& source, con
     if (is_plain_folder(source, options)) {
         return true;
     }
-    examined.has_copies = true;
     examined.copies = std::make_unique<staged_source>(source, staging, options);
     examined.copies->stage();
     const staging_outcome& staged = examined.copies->outcome();
@@ -132,7 +131,7 @@ QList<system_account> choose_profiles(const extract_options& options, const exam
         return accounts;
     }
     health_report all = findings;
-    if (source.has_copies) {
+    if (source.copies) {
         all.add(source.copies->outcome().findings);
     }
     say_findings(all, options.quiet);

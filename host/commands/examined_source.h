@@ -22,8 +22,8 @@ struct examined_source {
     QString given;   // real location of the source
     QByteArray root; // real location of the folder to read
     bool is_staged = false;
-    bool has_copies = false;               // some may lie in the staging folder, whatever came of it
-    std::unique_ptr<staged_source> copies; // of a source that is no plain folder
+    // Of a source that is no plain folder: copies may lie in the staging folder, whatever came of it.
+    std::unique_ptr<staged_source> copies;
 };
 // staging: folder to copy to where need be, ending in "/". False: the exit code is set and the reason said.
 bool open_examined(const extract_options& options, const QByteArray& source, const QString& staging,

@@ -123,7 +123,7 @@ public:
 
 private:
     void remove_unless(bool keep) const {
-        if (examined.has_copies && !keep) { // else those of an earlier run may stand there, or of one that runs now
+        if (examined.copies && !keep) { // else those of an earlier run may stand there, or of one that runs now
             remove_staged(folder);
         }
     }

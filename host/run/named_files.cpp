@@ -47,9 +47,12 @@ private:
     void add_path(const QByteArray& path) {
         constexpr qint64 most_bytes = qint64{32} << 20; // about 200,000 names of usual length
         constexpr qint64 bytes_of_a_node = 48;
+        if (known.contains(path)) {
+            return;
+        }
         if (bytes > most_bytes) {
-            named.are_all = named.are_all && known.contains(path);
-        } else if (!known.contains(path)) {
+            named.missing = QStringLiteral("they are very many");
+        } else {
             known.insert(path);
             named.paths.append(path);
             bytes += path.size() + bytes_of_a_node;
@@ -61,21 +64,21 @@ private:
     qint64 bytes = 0;
 };
 
-bool collect(QSqlDatabase& database, const QStringList& tables, path_collector& collector) {
-    bool done = database.open();
-    if (done) {
-        QSqlQuery settings(database);
-        done = settings.exec(QStringLiteral("pragma trusted_schema = off"));
+// Why not all could be read; not valid: they were.
+QSqlError collect(QSqlDatabase& database, const QStringList& tables, path_collector& collector) {
+    if (!database.open()) {
+        return database.lastError();
     }
+    QSqlQuery query(database);
+    bool done = query.exec(QStringLiteral("pragma trusted_schema = off"));
     for (const QString& table : tables) {
-        QSqlQuery query(database);
         done = done && (!names_files(table) || select_missing(query, QStringLiteral("main"), table));
-        while (done && query.next()) {
+        while (done && names_files(table) && query.next()) {
             collector.add(query.value(1).toString());
         }
         done = done && !query.lastError().isValid();
     }
-    return done;
+    return query.lastError();
 }
 
 } // namespace
@@ -86,7 +89,8 @@ named_files files_named_by(const QVector<worker_rows>& workers) {
     for (const worker_rows& rows : workers) {
         {
             QSqlDatabase database = replace_connection(connection_name, rows.database);
-            named.are_all = collect(database, rows.tables, collector) && named.are_all;
+            const QSqlError error = collect(database, rows.tables, collector);
+            named.missing = error.isValid() ? error.text() : named.missing;
         }
         QSqlDatabase::removeDatabase(connection_name);
     }

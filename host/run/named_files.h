@@ -13,7 +13,7 @@ class QSqlError;
 
 struct named_files {
     QVector<QByteArray> paths; // below the Windows root, plain, each once
-    bool are_all = true;       // false: there are more of them, or a database cannot be read
+    QString missing;           // why there may be more of them; empty: these are all
 };
 
 // Of the finished tables' rows whose file was not there.

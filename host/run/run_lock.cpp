@@ -11,11 +11,25 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-bool lock_whole_file(int descriptor) {
+namespace {
+
+struct flock whole_file() {
     struct flock whole = {};
     whole.l_type = F_WRLCK;
     whole.l_whence = SEEK_SET;
+    return whole;
+}
+
+} // namespace
+
+bool lock_whole_file(int descriptor) {
+    struct flock whole = whole_file();
     return ::fcntl(descriptor, F_SETLK, &whole) == 0;
+}
+
+bool is_lock_held(int descriptor) {
+    struct flock whole = whole_file();
+    return ::fcntl(descriptor, F_GETLK, &whole) == 0 && whole.l_type != F_UNLCK;
 }
 
 bool is_locked_by_another(int error) {

@@ -9,6 +9,8 @@
 // is_locked_by_another() reads. The lock ends when the process closes the file anywhere.
 bool lock_whole_file(int descriptor);
 bool is_locked_by_another(int error);
+// True when another process holds it.
+bool is_lock_held(int descriptor);
 
 class run_lock {
 public:

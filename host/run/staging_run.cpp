@@ -108,7 +108,6 @@ bool staged_source::make_named(const QVector<QByteArray>& paths, const std::func
         if (!copying.is_waiting()) {
             lose_names();
         }
-        result.files = staged.files();
         settled();
     });
     return true;
@@ -126,6 +125,7 @@ QString staged_source::end_questions() {
     if (copying.is_waiting()) {
         copying.end();
     }
+    result.files = staged.files();
     return holds_named() ? give_times() : QString();
 }
 

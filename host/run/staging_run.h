@@ -12,7 +12,7 @@
 
 struct staging_outcome {
     bool as_given = false;        // the source can be read as it stands; nothing was staged
-    QVector<staged_file> files;   // copies, folders, and empty ones for files that rows name
+    QVector<staged_file> files;   // copies, folders, and when questions are ended empty ones for files that rows name
     QVector<QByteArray> profiles; // names of the staged profile folders, in byte order
     health_report findings;       // by the paths of the view
     sandbox_state sandbox;

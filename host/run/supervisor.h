@@ -48,6 +48,7 @@ private:
     void take_findings(profile& one);
     void take_rows_of(profile& one);
     void look_for_named_files();
+    void go_on_with_rows();
     void collect_named_files(profile& one);
     void merge_finished();
     void merge_in_order();

@@ -44,8 +44,12 @@ void supervisor::take_rows_of(profile& one) {
     if (staged != nullptr) {
         one.state = profile::naming;
         collect_named_files(one);
-        look_for_named_files();
     }
+    go_on_with_rows();
+}
+
+void supervisor::go_on_with_rows() {
+    look_for_named_files();
     if (!options.clear) {
         merge_finished();
     }
@@ -54,10 +58,11 @@ void supervisor::take_rows_of(profile& one) {
 void supervisor::collect_named_files(profile& one) {
     named_files named = files_named_by(one.databases);
     one.named = std::move(named.paths);
-    if (!named.are_all) {
-        summary.health.add_problem(root, QStringLiteral("web cache entries of %1 name very many files: not all of them "
-                                                        "were looked for outside of the package folder")
-                                             .arg(one.label));
+    if (!named.missing.isEmpty()) {
+        summary.health.add_problem(
+            root, QStringLiteral("not all files that web cache entries of %1 name were looked for outside of the "
+                                 "package folder: %2")
+                      .arg(one.label, named.missing));
     }
 }
 
@@ -72,10 +77,7 @@ void supervisor::look_for_named_files() {
             is_looking = false;
             one.state = profile::finished;
             tell_progress(one);
-            look_for_named_files();
-            if (!options.clear) {
-                merge_finished();
-            }
+            go_on_with_rows();
             start_more();
         });
         one.state = is_looking ? profile::naming : profile::finished;

@@ -214,7 +214,11 @@ private Q_SLOTS:
         }
         QSqlDatabase::removeDatabase("names"_q);
         const named_files named = files_named_by({{file, {"cookies"_q}}});
-        QVERIFY(!named.are_all);
+        QCOMPARE(named.missing, "they are very many"_q);
+        QCOMPARE(files_named_by({{file, {"searches"_q}}}).missing, QString());
+        QFile damaged(file);
+        QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write("no database of any kind") > 0 && damaged.flush());
+        QVERIFY(!files_named_by({{file, {"cookies"_q}}}).missing.isEmpty());
         QVERIFY2(named.paths.size() > 8000 && named.paths.size() < 9000,
                  QByteArray::number(named.paths.size()).constData());
     }
